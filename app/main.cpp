@@ -1,0 +1,23 @@
+// Tessivo: editor and librarian for the CS2x. Device 0 of both MIDI lists is the built-in
+// virtual instrument; the system's ports (ALSA, else JACK) follow it.
+#include <QApplication>
+
+#include "instrument/virtual_cs2x.h"
+#include "link/port_service.h"
+#include "link/rtmidi_ports.h"
+#include "shell/qt/qt_app.h"
+
+int main(int argc, char** argv) {
+  QApplication qapp(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);  // the program ends when its logic says so
+
+  tessivo::VirtualCs2x instrument;
+  tessivo::VirtualCs2xProvider builtIn(instrument);
+  tessivo::RtMidiProvider system(tessivo::chooseMidiSystem());
+  tessivo::PortMidiService midi({&builtIn, &system});
+
+  tessivo::qt::QtApp app(midi);
+  QObject::connect(&app, &tessivo::qt::QtApp::finished, &qapp, &QApplication::quit, Qt::QueuedConnection);
+  app.start();
+  return qapp.exec();
+}

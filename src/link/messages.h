@@ -1,0 +1,101 @@
+#pragma once
+// The instrument's System Exclusive forms: frames, the two address spaces (model 0x63 for the
+// Performance, XG model 0x4C for the Multi Parts), the thirteen dump requests, the bulk dump
+// checksum, and the splitting of a byte stream into single MIDI messages.
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace tessivo {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline constexpr std::uint8_t kSysExStart = 0xF0;
+inline constexpr std::uint8_t kSysExEnd = 0xF7;
+inline constexpr std::uint8_t kYamahaId = 0x43;
+inline constexpr std::uint8_t kModelCs2x = 0x63;  // the instrument's own space: the Performance
+inline constexpr std::uint8_t kModelXg = 0x4C;    // XG space: the Multi Parts
+
+// Third byte of a message: kind in the high nibble, device number (always 0 here) low.
+inline constexpr std::uint8_t kBulkDump = 0x00;
+inline constexpr std::uint8_t kParamChange = 0x10;
+inline constexpr std::uint8_t kDumpRequest = 0x20;
+inline constexpr std::uint8_t kParamRequest = 0x30;
+
+// A bulk dump: F0 43 0n mm bh bl ah am al data.. cs F7. Its data starts at offset 9 and the
+// frame costs 11 bytes.
+inline constexpr std::size_t kBulkDataOffset = 9;
+inline constexpr std::size_t kBulkFrameBytes = 11;
+
+struct Address {
+  std::uint8_t high, mid, low;
+};
+
+Bytes paramChange(std::uint8_t model, Address a, std::uint8_t data);
+Bytes paramChange2(std::uint8_t model, Address a, std::uint8_t data1, std::uint8_t data2);
+Bytes dumpRequest(std::uint8_t model, Address a);
+Bytes parmRequest(Address a);  // XG parameter request, F0 43 30 4C ah am al F7
+// A whole bulk dump of `data` at address a, with its count and a computed checksum.
+Bytes bulkDump(std::uint8_t model, Address a, std::span<const std::uint8_t> data);
+
+// Checksum of a bulk dump message of length n: bytes 4 to n-3 added, the sum modulo 128
+// taken from 128, and 128 written as 0. Messages shorter than the frame give 0.
+std::uint8_t SyxChksum(std::span<const std::uint8_t> message);
+
+// Block kinds of a retrieval, the first argument of a block request.
+enum BlockKind : std::int16_t {
+  kKindCom1 = 0,
+  kKindCom2 = 1,
+  kKindCom3 = 2,
+  kKindLyr1 = 3,
+  kKindLyr2 = 4,
+  kKindLyr3 = 5,
+  kKindLyr4 = 6,
+  kKindMulti = 7,
+  kKindCom0 = 8,
+};
+
+// The eight Performance blocks: kind, dump request address, whole message length.
+struct PerfBlock {
+  std::int16_t kind;
+  const char* label;
+  Address address;
+  std::int16_t length;
+};
+inline constexpr std::array<PerfBlock, 8> kPerfBlocks{{
+    {kKindCom1, "Com1", {0x60, 0x00, 0x00}, 63},
+    {kKindCom2, "Com2", {0x60, 0x00, 0x40}, 34},
+    {kKindCom3, "Com3", {0x60, 0x00, 0x60}, 20},
+    {kKindLyr1, "Lyr1", {0x60, 0x01, 0x00}, 56},
+    {kKindLyr2, "Lyr2", {0x60, 0x02, 0x00}, 56},
+    {kKindLyr3, "Lyr3", {0x60, 0x03, 0x00}, 56},
+    {kKindLyr4, "Lyr4", {0x60, 0x04, 0x00}, 56},
+    {kKindCom0, "Com0", {0x50, 0x00, 0x00}, 37},
+}};
+// The block of a Performance kind, or nullptr for kind 7 and kinds outside 0..8.
+const PerfBlock* perfBlock(std::int16_t kind);
+
+// The five sections of an XG Multi Part: high and low address byte (the middle one is the
+// part index) and the whole message length.
+struct MultiSection {
+  std::uint8_t high, low;
+  std::int16_t length;
+};
+inline constexpr std::array<MultiSection, 5> kMultiSections{{
+    {0x08, 0x00, 52},
+    {0x08, 0x30, 74},
+    {0x08, 0x70, 15},
+    {0x08, 0x74, 23},
+    {0x0A, 0x20, 13},
+}};
+// Dump request of section s of the part numbered `part` (1-based: M5 is 5).
+Bytes multiSectionRequest(std::int16_t part, std::int16_t section);
+
+// Cuts a stream of MIDI bytes, as a long message may carry several, into whole messages:
+// SysEx from F0 to F7, channel and system messages by their data counts, running status
+// followed. Data bytes with no status before them are dropped.
+std::vector<Bytes> splitMidiStream(std::span<const std::uint8_t> stream);
+
+}  // namespace tessivo

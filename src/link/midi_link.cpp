@@ -1,0 +1,139 @@
+#include "link/midi_link.h"
+
+#include <chrono>
+#include <thread>
+
+namespace tessivo {
+
+void sleepMilliseconds(int milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+MidiLink::MidiLink(MidiService& midi, Screen& screen, SleepFn sleep)
+    : midi_(midi), screen_(screen), sleep_(std::move(sleep)) {}
+
+namespace {
+template <typename NumDevs, typename Caps>
+void listDevices(Screen& screen, const char* errorText, NumDevs numDevs, Caps caps,
+                 const std::function<void(const std::string&)>& add) {
+  const auto count = static_cast<std::int16_t>(numDevs());
+  for (std::int16_t dev = 0; dev < count; ++dev) {
+    std::string name;
+    const MMRESULT r = caps(static_cast<std::uint32_t>(dev), name);
+    if (r != MMSYSERR_NOERROR) {
+      screen.messageBox(errorText + std::to_string(r), kAppTitle, MsgButtons::Ok, MsgIcon::None);
+      return;
+    }
+    add(name);
+  }
+}
+}  // namespace
+
+void MidiLink::ListInDevs(const std::function<void(const std::string&)>& add) {
+  listDevices(
+      screen_, "midiInGetDevCaps Error: ", [&] { return midi_.midiInGetNumDevs(); },
+      [&](std::uint32_t d, std::string& n) { return midi_.midiInGetDevCaps(d, n); }, add);
+}
+
+void MidiLink::ListOutDevs(const std::function<void(const std::string&)>& add) {
+  listDevices(
+      screen_, "midiOutGetDevCaps Error: ", [&] { return midi_.midiOutGetNumDevs(); },
+      [&](std::uint32_t d, std::string& n) { return midi_.midiOutGetDevCaps(d, n); }, add);
+}
+
+std::string MidiLink::errorBoxText(const std::string& label, const std::string& codeText) {
+  std::string field = codeText.substr(0, 127);  // what a 128-byte text buffer can hold
+  field.resize(132, ' ');
+  return "Operation: " + label + "\r\n" + field;
+}
+
+void MidiLink::MidiOutErr(const std::string& label, std::int16_t code) {
+  std::string text;
+  midi_.midiOutGetErrorText(static_cast<MMRESULT>(static_cast<std::int32_t>(code)), text);
+  screen_.messageBox(errorBoxText(label, text), kAppTitle, MsgButtons::Ok, MsgIcon::None);
+}
+
+void MidiLink::MidiInErr(const std::string& label, std::int16_t code) {
+  std::string text;
+  midi_.midiInGetErrorText(static_cast<MMRESULT>(static_cast<std::int32_t>(code)), text);
+  screen_.messageBox(errorBoxText(label, text), kAppTitle, MsgButtons::Ok, MsgIcon::None);
+}
+
+std::uint32_t MidiLink::MidiInCB(MidiHandle, std::uint32_t message, std::uintptr_t instance,
+                                 std::uintptr_t, std::uintptr_t) {
+  if (message == MIM_LONGDATA)
+    reinterpret_cast<std::atomic<std::int16_t>*>(instance)->store(-1, std::memory_order_release);
+  return 0;
+}
+
+void MidiLink::SndSysEx(std::span<const std::uint8_t> text) { SndSysExData(text, 0, 0, 0); }
+
+void MidiLink::SndSysExData(std::span<const std::uint8_t> text, std::int16_t mode,
+                            std::int16_t part, std::int16_t section) {
+  std::array<std::uint8_t, 129> buffer{};
+  std::size_t n = 0;
+  switch (mode) {
+    case 0:
+      if (text.size() > 128) return;  // beyond the send buffer: no caller comes near it
+      n = text.size();
+      std::copy(text.begin(), text.end(), buffer.begin());
+      break;
+    case 1: {
+      if (part < 0 || part > 16 || section < 0 || section > 5 || multiImage_ == nullptr) return;
+      n = static_cast<std::size_t>(std::max<std::int16_t>(SctnLen[static_cast<std::size_t>(section)], 0));
+      const std::uint8_t* src =
+          multiImage_ + (static_cast<std::size_t>(part) * kMultiSectionsPerPart + static_cast<std::size_t>(section)) *
+                            kSectionBytes;
+      std::copy(src, src + n, buffer.begin());
+      break;
+    }
+    case 2:
+      if (section < 0 || section > 10) return;
+      n = static_cast<std::size_t>(std::max<std::int16_t>(SctnLen[static_cast<std::size_t>(section)], 0));
+      std::copy(SndBuf.begin(), SndBuf.begin() + static_cast<std::ptrdiff_t>(n), buffer.begin());
+      break;
+    default:
+      return;
+  }
+  if (n > 128) return;
+  buffer[n] = 0;  // the byte behind the message stays inside the 129
+  send(std::span<const std::uint8_t>(buffer.data(), n));
+}
+
+void MidiLink::send(std::span<const std::uint8_t> message) {
+  MidiHdr hdr;
+  hdr.lpData = const_cast<std::uint8_t*>(message.data());
+  hdr.dwBufferLength = static_cast<std::uint32_t>(message.size());
+  hdr.dwUser = 0;
+  hdr.dwFlags = 0;
+  MMRESULT r = midi_.midiOutPrepareHeader(MidiOutHnd, &hdr, kMidiHdrSize);
+  if (r != MMSYSERR_NOERROR) {
+    MidiOutErr("Out Prepare ", static_cast<std::int16_t>(r));
+    return;
+  }
+  r = midi_.midiOutLongMsg(MidiOutHnd, &hdr, kMidiHdrSize);
+  if (r != MMSYSERR_NOERROR) MidiOutErr("MidiOutLongMsg ", static_cast<std::int16_t>(r));
+  r = midi_.midiOutUnprepareHeader(MidiOutHnd, &hdr, kMidiHdrSize);
+  if (r == MMSYSERR_INVALPARAM) return;
+  int tries = 0;
+  while (r != MMSYSERR_NOERROR) {
+    ++tries;
+    r = midi_.midiOutUnprepareHeader(MidiOutHnd, &hdr, kMidiHdrSize);
+    if (tries > kUnprepareTries) {
+      if (r != MMSYSERR_NOERROR) MidiOutErr("midiOutUnprepareHeader ", static_cast<std::int16_t>(r));
+      return;
+    }
+    sleep_(kPollMs);
+  }
+}
+
+void MidiLink::ReqPerfBlock(std::int16_t kind) {
+  if (const PerfBlock* b = perfBlock(kind)) SndSysEx(dumpRequest(kModelCs2x, b->address));
+}
+
+void MidiLink::ReqMltSctn(std::int16_t part, std::int16_t section) {
+  if (section < 0 || section > 4) return;
+  SndSysEx(multiSectionRequest(part, section));
+}
+
+}  // namespace tessivo

@@ -1,0 +1,183 @@
+#include "link/rtmidi_ports.h"
+
+#include <jack/jack.h>
+#include <rtmidi/RtMidi.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+
+namespace tessivo {
+
+const char* midiSystemName(MidiSystem system) {
+  switch (system) {
+    case MidiSystem::Alsa: return "ALSA";
+    case MidiSystem::Jack: return "JACK";
+    default: return "none";
+  }
+}
+
+namespace {
+
+RtMidi::Api rtApi(MidiSystem system) {
+  return system == MidiSystem::Alsa ? RtMidi::LINUX_ALSA : RtMidi::UNIX_JACK;
+}
+
+// RtMidi reports through this callback instead of printing and throwing; any report during
+// a call marks that call as failed.
+struct ErrorTrap {
+  std::atomic<bool> raised{false};
+  std::string text;
+  static void callback(RtMidiError::Type, const std::string& errorText, void* user) {
+    auto* self = static_cast<ErrorTrap*>(user);
+    self->text = errorText;
+    self->raised = true;
+  }
+};
+
+template <typename Rt>
+std::vector<std::string> portNames(MidiSystem system, const std::string& client) {
+  std::vector<std::string> names;
+  if (system == MidiSystem::None) return names;
+  try {
+    Rt rt(rtApi(system), client);
+    ErrorTrap trap;
+    rt.setErrorCallback(&ErrorTrap::callback, &trap);
+    const unsigned count = rt.getPortCount();
+    for (unsigned i = 0; i < count && !trap.raised; ++i) names.push_back(rt.getPortName(i));
+    if (trap.raised) names.clear();
+  } catch (const RtMidiError&) {
+    names.clear();
+  }
+  return names;
+}
+
+// Opens `rt` at the port called `name`: found by name, since port numbers move when other
+// programs come and go.
+template <typename Rt>
+bool openByName(Rt& rt, ErrorTrap& trap, const std::string& name, const std::string& portName) {
+  const unsigned count = rt.getPortCount();
+  for (unsigned i = 0; i < count && !trap.raised; ++i) {
+    if (rt.getPortName(i) == name) {
+      rt.openPort(i, portName);
+      return !trap.raised && rt.isPortOpen();
+    }
+  }
+  return false;
+}
+
+class RtIn : public InPort {
+ public:
+  RtIn(MidiSystem system, const std::string& client) : rt_(rtApi(system), client) {
+    rt_.setErrorCallback(&ErrorTrap::callback, &trap_);
+    rt_.ignoreTypes(false, true, true);  // SysEx in; timing clock and active sensing out
+    rt_.setCallback(&RtIn::callback, this);
+  }
+  ~RtIn() override {
+    rt_.cancelCallback();
+    rt_.closePort();
+  }
+  bool open(const std::string& name) { return openByName(rt_, trap_, name, "MIDI In"); }
+  void setSink(Sink sink) override {
+    std::lock_guard lock(mutex_);
+    sink_ = std::move(sink);
+  }
+
+ private:
+  static void callback(double, std::vector<unsigned char>* message, void* user) {
+    auto* self = static_cast<RtIn*>(user);
+    if (!message || message->empty()) return;
+    std::lock_guard lock(self->mutex_);
+    if (self->sink_) self->sink_(*message);
+  }
+  RtMidiIn rt_;
+  ErrorTrap trap_;
+  std::mutex mutex_;
+  Sink sink_;
+};
+
+class RtOut : public OutPort {
+ public:
+  RtOut(MidiSystem system, const std::string& client) : rt_(rtApi(system), client) {
+    rt_.setErrorCallback(&ErrorTrap::callback, &trap_);
+  }
+  ~RtOut() override { rt_.closePort(); }
+  bool open(const std::string& name) { return openByName(rt_, trap_, name, "MIDI Out"); }
+  bool send(std::span<const std::uint8_t> message) override {
+    trap_.raised = false;
+    rt_.sendMessage(message.data(), message.size());
+    return !trap_.raised;
+  }
+
+ private:
+  RtMidiOut rt_;
+  ErrorTrap trap_;
+};
+
+}  // namespace
+
+bool alsaSequencerAvailable() {
+  try {
+    RtMidiIn probe(RtMidi::LINUX_ALSA, "Tessivo probe");
+    return true;
+  } catch (const RtMidiError&) {
+    return false;
+  }
+}
+
+bool jackServerRunning() {
+  // JACK prints its own complaints when no server runs; the answer here says it all.
+  jack_set_error_function([](const char*) {});
+  jack_set_info_function([](const char*) {});
+  jack_status_t status{};
+  jack_client_t* client = jack_client_open("tessivo-probe", JackNoStartServer, &status);
+  if (!client) return false;
+  jack_client_close(client);
+  return true;
+}
+
+MidiSystem chooseMidiSystem() {
+  if (alsaSequencerAvailable()) return MidiSystem::Alsa;
+  if (jackServerRunning()) return MidiSystem::Jack;
+  return MidiSystem::None;
+}
+
+RtMidiProvider::RtMidiProvider(MidiSystem system, std::string clientName)
+    : system_(system), clientName_(std::move(clientName)) {
+  ::setenv("JACK_NO_START_SERVER", "1", 0);  // a look at the port list must never start a server
+  if (system_ == MidiSystem::Jack && !jackServerRunning()) system_ = MidiSystem::None;
+  inNames_ = portNames<RtMidiIn>(system_, clientName_);
+  outNames_ = portNames<RtMidiOut>(system_, clientName_);
+}
+
+std::unique_ptr<InPort> RtMidiProvider::openInput(std::size_t index, MMRESULT& error) {
+  error = MIDIERR_NODEVICE;
+  if (index >= inNames_.size()) return nullptr;
+  // A JACK server that went away since the list was read must not be touched: RtMidi's JACK
+  // port crashes on a client that could not connect.
+  if (system_ == MidiSystem::Jack && !jackServerRunning()) return nullptr;
+  try {
+    auto port = std::make_unique<RtIn>(system_, clientName_);
+    if (!port->open(inNames_[index])) return nullptr;
+    error = MMSYSERR_NOERROR;
+    return port;
+  } catch (const RtMidiError&) {
+    return nullptr;
+  }
+}
+
+std::unique_ptr<OutPort> RtMidiProvider::openOutput(std::size_t index, MMRESULT& error) {
+  error = MIDIERR_NODEVICE;
+  if (index >= outNames_.size()) return nullptr;
+  if (system_ == MidiSystem::Jack && !jackServerRunning()) return nullptr;
+  try {
+    auto port = std::make_unique<RtOut>(system_, clientName_);
+    if (!port->open(outNames_[index])) return nullptr;
+    error = MMSYSERR_NOERROR;
+    return port;
+  } catch (const RtMidiError&) {
+    return nullptr;
+  }
+}
+
+}  // namespace tessivo

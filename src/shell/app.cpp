@@ -1,0 +1,56 @@
+#include "shell/app.h"
+
+namespace tessivo {
+
+App::App(MidiService& midi, Screen& screen, SleepFn sleep)
+    : screen_(screen), link_(midi, screen, std::move(sleep)), pref_(link_) {}
+
+void App::Main() {
+  StartingUp = true;
+  pref_.Form_Load();
+  screen_.createForm(FormId::Pref);
+  screen_.showForm(FormId::Pref);
+}
+
+void App::OKButton_Click() {
+  if (StartingUp) {
+    screen_.createForm(FormId::Splash);
+    screen_.showForm(FormId::Splash);
+    main_ = std::make_unique<MainForm>(link_, pref_);
+    screen_.createForm(FormId::Main);
+    timerEnabled_ = true;
+    screen_.startTimer(kStartTimerMs);
+    StartingUp = false;
+  }
+  screen_.hideForm(FormId::Pref);
+}
+
+void App::Timer1_Tick() {
+  if (!timerEnabled_ || !main_) return;
+  timerEnabled_ = false;
+  screen_.startTimer(0);
+  main_->Form_Loadx();
+  screen_.unloadForm(FormId::Splash);
+  screen_.showForm(FormId::Main);
+}
+
+void App::PrefClosed() {
+  if (StartingUp) {
+    screen_.unloadForm(FormId::Pref);
+    finished_ = true;
+  } else {
+    screen_.hideForm(FormId::Pref);
+  }
+}
+
+void App::StrtupPref_Click() { screen_.showForm(FormId::Pref); }
+
+bool App::ExitRequested() {
+  if (!main_ || main_->Form_Unload()) return false;
+  screen_.unloadForm(FormId::Pref);
+  screen_.unloadForm(FormId::Main);
+  finished_ = true;
+  return true;
+}
+
+}  // namespace tessivo

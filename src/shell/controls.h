@@ -1,0 +1,53 @@
+#pragma once
+// The state of the forms' controls as plain data. Captions, list indexes and check values
+// are the program's data, as the forms hold them; the Qt layer only renders them. Setting a
+// list's index from code runs its click handler, as a user's click would.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tessivo {
+
+struct ButtonCtl {
+  std::string caption;
+  bool enabled = true;
+  bool visible = true;
+};
+
+struct CheckCtl {
+  std::string caption;
+  int value = 0;  // 0 unchecked, 1 checked
+};
+
+class ListCtl {
+ public:
+  std::vector<std::string> items;
+  bool enabled = true;
+  bool visible = true;
+  std::function<void()> click;  // runs when the index changes, from code or from the user
+
+  int index() const { return index_; }
+  // An index outside the list is refused and changes nothing.
+  void setIndex(int index) {
+    if (index < -1 || index >= static_cast<int>(items.size()) || index == index_) return;
+    index_ = index;
+    if (click) click();
+  }
+  void addItem(std::string text) { items.push_back(std::move(text)); }
+  void clear() {
+    items.clear();
+    index_ = -1;
+  }
+  std::string text() const { return index_ >= 0 ? items[static_cast<std::size_t>(index_)] : std::string(); }
+
+ private:
+  int index_ = -1;
+};
+
+// A number as the forms' lists show it: decimal with a leading blank for the sign.
+inline std::string signedText(long value) {
+  return value < 0 ? std::to_string(value) : " " + std::to_string(value);
+}
+
+}  // namespace tessivo

@@ -1,0 +1,145 @@
+#include "shell/qt/qt_app.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "shell/qt/main_window.h"
+#include "shell/qt/pref_window.h"
+#include "shell/qt/splash_window.h"
+
+namespace tessivo::qt {
+
+QMessageBox* makeMessageBox(const std::string& text, const std::string& title, MsgButtons buttons,
+                            MsgIcon icon) {
+  auto* box = new QMessageBox;
+  box->setWindowTitle(QString::fromStdString(title));
+  QString shown = QString::fromStdString(text);
+  shown.replace("\r\n", "\n");
+  box->setText(shown);
+  switch (icon) {
+    case MsgIcon::Question: box->setIcon(QMessageBox::Question); break;
+    case MsgIcon::Exclamation: box->setIcon(QMessageBox::Warning); break;
+    case MsgIcon::Information: box->setIcon(QMessageBox::Information); break;
+    case MsgIcon::Critical: box->setIcon(QMessageBox::Critical); break;
+    case MsgIcon::None: box->setIcon(QMessageBox::NoIcon); break;
+  }
+  switch (buttons) {
+    case MsgButtons::Ok:
+      box->setStandardButtons(QMessageBox::Ok);
+      box->setDefaultButton(QMessageBox::Ok);
+      break;
+    case MsgButtons::OkCancel:
+      box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+      box->setDefaultButton(QMessageBox::Ok);
+      box->setEscapeButton(QMessageBox::Cancel);
+      break;
+    case MsgButtons::YesNo:
+      box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+      box->setDefaultButton(QMessageBox::Yes);
+      box->setEscapeButton(QMessageBox::No);
+      break;
+  }
+  return box;
+}
+
+QtApp::QtApp(MidiService& midi, QObject* parent) : QObject(parent), app_(midi, *this) {
+  timer1_.setSingleShot(false);
+  connect(&timer1_, &QTimer::timeout, this, [this] {
+    app_.Timer1_Tick();
+    afterHandler();
+  });
+}
+
+QtApp::~QtApp() {
+  delete main_.data();
+  delete splash_.data();
+  delete pref_.data();
+  while (busy_-- > 0) QApplication::restoreOverrideCursor();
+}
+
+void QtApp::start() {
+  app_.Main();
+  afterHandler();
+}
+
+QWidget* QtApp::form(FormId id) const {
+  switch (id) {
+    case FormId::Pref: return pref_;
+    case FormId::Splash: return splash_;
+    case FormId::Main: return main_;
+  }
+  return nullptr;
+}
+
+MsgAnswer QtApp::messageBox(const std::string& text, const std::string& title, MsgButtons buttons,
+                            MsgIcon icon) {
+  std::unique_ptr<QMessageBox> box(makeMessageBox(text, title, buttons, icon));
+  switch (box->exec()) {
+    case QMessageBox::Cancel: return MsgAnswer::Cancel;
+    case QMessageBox::Yes: return MsgAnswer::Yes;
+    case QMessageBox::No: return MsgAnswer::No;
+    default: return MsgAnswer::Ok;
+  }
+}
+
+void QtApp::createForm(FormId id) {
+  if (form(id)) return;
+  switch (id) {
+    case FormId::Pref: pref_ = new PrefWindow(app_.pref(), *this); break;
+    case FormId::Splash: splash_ = new SplashWindow; break;
+    case FormId::Main:
+      if (app_.mainForm()) main_ = new MainWindow(*app_.mainForm(), *this);
+      break;
+  }
+}
+
+void QtApp::showForm(FormId id) {
+  createForm(id);
+  if (id == FormId::Main && main_) main_->render();
+  if (id == FormId::Pref && pref_) pref_->render();
+  if (QWidget* w = form(id)) {
+    w->show();
+    w->raise();
+    w->activateWindow();
+  }
+}
+
+void QtApp::hideForm(FormId id) {
+  if (QWidget* w = form(id)) w->hide();
+}
+
+void QtApp::unloadForm(FormId id) {
+  QWidget* w = form(id);
+  if (!w) return;
+  w->hide();
+  w->deleteLater();
+  switch (id) {
+    case FormId::Pref: pref_ = nullptr; break;
+    case FormId::Splash: splash_ = nullptr; break;
+    case FormId::Main: main_ = nullptr; break;
+  }
+}
+
+void QtApp::setBusy(bool busy) {
+  if (busy) {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    ++busy_;
+  } else {
+    while (busy_ > 0) {
+      QApplication::restoreOverrideCursor();
+      --busy_;
+    }
+  }
+}
+
+void QtApp::startTimer(int intervalMs) {
+  if (intervalMs > 0) timer1_.start(intervalMs);
+  else timer1_.stop();
+}
+
+void QtApp::afterHandler() {
+  if (app_.finished()) emit finished();
+}
+
+}  // namespace tessivo::qt

@@ -1,0 +1,143 @@
+// The RtMidi backend against a real JACK server: a program-side port pair talks to a peer
+// client, with SysEx sent and received whole, and the thru path passing played notes on.
+#include <gtest/gtest.h>
+#include <rtmidi/RtMidi.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "instrument/virtual_cs2x.h"
+#include "link/midi_link.h"
+#include "link/port_service.h"
+#include "link/rtmidi_ports.h"
+#include "support/scripted.h"
+
+namespace tessivo {
+using namespace std::chrono_literals;
+
+namespace {
+// The other end: a JACK client with one output and one input port of its own.
+class Peer {
+ public:
+  Peer() : out_(RtMidi::UNIX_JACK, "Peer"), in_(RtMidi::UNIX_JACK, "Peer") {
+    in_.ignoreTypes(false, true, true);
+    in_.setCallback(&Peer::callback, this);
+    out_.openVirtualPort("to-tessivo");
+    in_.openVirtualPort("from-tessivo");
+  }
+  void send(const Bytes& m) { out_.sendMessage(m.data(), m.size()); }
+  // Waits for `count` messages (at most two seconds) and returns what came.
+  std::vector<Bytes> waitFor(std::size_t count) {
+    std::unique_lock lock(mutex_);
+    cv_.wait_for(lock, 2s, [&] { return got_.size() >= count; });
+    return got_;
+  }
+
+ private:
+  static void callback(double, std::vector<unsigned char>* m, void* user) {
+    auto* self = static_cast<Peer*>(user);
+    std::lock_guard lock(self->mutex_);
+    self->got_.emplace_back(m->begin(), m->end());
+    self->cv_.notify_all();
+  }
+  RtMidiOut out_;
+  RtMidiIn in_;
+  std::mutex mutex_;
+  std::condition_variable cv_;
+  std::vector<Bytes> got_;
+};
+
+std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
+  const std::uint32_t n = input ? midi.midiInGetNumDevs() : midi.midiOutGetNumDevs();
+  for (std::uint32_t d = 0; d < n; ++d) {
+    std::string name;
+    if (input) midi.midiInGetDevCaps(d, name);
+    else midi.midiOutGetDevCaps(d, name);
+    if (name.find(part) != std::string::npos) return static_cast<std::int32_t>(d);
+  }
+  return -1;
+}
+}  // namespace
+
+TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
+  ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
+  Peer peer;
+  VirtualCs2x cs2x;
+  VirtualCs2xProvider builtIn(cs2x);
+  RtMidiProvider jack(MidiSystem::Jack);
+  ASSERT_EQ(jack.system(), MidiSystem::Jack);
+  PortMidiService midi({&builtIn, &jack});
+  test::Events events;
+  test::ScriptedScreen screen(events);
+  MidiLink link(midi, screen);
+
+  const std::int32_t inDev = deviceNamed(midi, true, "to-tessivo");
+  const std::int32_t outDev = deviceNamed(midi, false, "from-tessivo");
+  ASSERT_GT(inDev, 0);
+  ASSERT_GT(outDev, 0);
+  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
+  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
+                            link.callbackInstance(), CALLBACK_FUNCTION),
+            MMSYSERR_NOERROR);
+  std::this_thread::sleep_for(100ms);  // let JACK finish the connections
+
+  // Out: a whole 74-byte bulk dump and a program change in one long message.
+  const Bytes dump = bulkDump(kModelXg, {0x08, 0x04, 0x30}, Bytes(63, 0x55));
+  link.SndSysEx(dump);
+  link.SndSysEx(Bytes{0xB0, 0x00, 0x3F, 0xC0, 0x07});
+  auto got = peer.waitFor(3);
+  ASSERT_EQ(got.size(), 3u);
+  EXPECT_EQ(got[0], dump);
+  EXPECT_EQ(got[1], (Bytes{0xB0, 0x00, 0x3F}));
+  EXPECT_EQ(got[2], (Bytes{0xC0, 0x07}));
+
+  // In: an armed buffer takes the peer's SysEx whole and the flag rises.
+  std::array<std::uint8_t, 129> buffer{};
+  MidiHdr hdr;
+  hdr.lpData = buffer.data();
+  hdr.dwBufferLength = 128;
+  ASSERT_EQ(midi.midiInPrepareHeader(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
+  ASSERT_EQ(midi.midiInAddBuffer(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
+  ASSERT_EQ(midi.midiInStart(link.MidiInHnd), 0u);
+  link.LongDataFlag = 0;
+  const Bytes reply = bulkDump(kModelCs2x, {0x60, 0x00, 0x00}, Bytes(52, 0x21));
+  peer.send(reply);
+  for (int i = 0; i < 400 && link.LongDataFlag == 0; ++i) std::this_thread::sleep_for(5ms);
+  EXPECT_EQ(link.LongDataFlag.load(), -1);
+  midi.midiInStop(link.MidiInHnd);
+  midi.midiInReset(link.MidiInHnd);
+  ASSERT_EQ(midi.midiInUnprepareHeader(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
+  EXPECT_EQ(hdr.dwBytesRecorded, 63u);
+  EXPECT_EQ(Bytes(buffer.begin(), buffer.begin() + 63), reply);
+
+  // Thru: a note played into the input comes out at the output.
+  ASSERT_EQ(midi.midiConnect(link.MidiInHnd, link.MidiOutHnd), 0u);
+  ASSERT_EQ(midi.midiInStart(link.MidiInHnd), 0u);
+  peer.send(Bytes{0x90, 0x3C, 0x64});
+  got = peer.waitFor(4);
+  ASSERT_EQ(got.size(), 4u);
+  EXPECT_EQ(got[3], (Bytes{0x90, 0x3C, 0x64}));
+
+  midi.midiDisconnect(link.MidiInHnd, link.MidiOutHnd);
+  EXPECT_EQ(midi.midiInStop(link.MidiInHnd), 0u);
+  EXPECT_EQ(midi.midiInClose(link.MidiInHnd), 0u);
+  EXPECT_EQ(midi.midiOutReset(link.MidiOutHnd), 0u);
+  EXPECT_EQ(midi.midiOutClose(link.MidiOutHnd), 0u);
+  EXPECT_TRUE(screen.boxes.empty());
+}
+
+TEST(JackLink, NoServerMeansNoPortsAndNoCrash) {
+  // A server name that nobody runs: the provider lists nothing and opens nothing.
+  ::setenv("JACK_DEFAULT_SERVER", "tessivo-nobody-runs-this", 1);
+  EXPECT_FALSE(jackServerRunning());
+  RtMidiProvider jack(MidiSystem::Jack);
+  EXPECT_EQ(jack.system(), MidiSystem::None);
+  EXPECT_TRUE(jack.inputNames().empty());
+  MMRESULT err = 0;
+  EXPECT_EQ(jack.openOutput(0, err), nullptr);
+  EXPECT_NE(err, 0u);
+}
+
+}  // namespace tessivo
