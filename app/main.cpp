@@ -10,6 +10,9 @@
 int main(int argc, char** argv) {
   QApplication qapp(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);  // the program ends when its logic says so
+  QFont font = QApplication::font();
+  font.setPixelSize(11);  // the forms' layout is made for a small standard font
+  QApplication::setFont(font);
 
   tessivo::VirtualCs2x instrument;
   tessivo::VirtualCs2xProvider builtIn(instrument);

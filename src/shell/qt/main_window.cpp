@@ -58,7 +58,7 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
 
   auto* chanLabel = new QLabel("Midi Chan", central);
   chanLabel->setObjectName("Labelx1_54");
-  place(chanLabel, 7440, 1080, 615, 375);
+  placeLabel(chanLabel, 7440, 1080, 615, 375);
 
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
     const int i = m - kFirstMulti;

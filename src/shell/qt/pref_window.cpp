@@ -1,6 +1,7 @@
 #include "shell/qt/pref_window.h"
 
 #include <QCloseEvent>
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
@@ -19,6 +20,8 @@ void renderList(QComboBox* box, const ListCtl& list) {
     for (const std::string& item : list.items) box->addItem(QString::fromStdString(item));
   }
   box->setCurrentIndex(list.index());
+  // The list is narrow on the form; its drop-down shows whole device names.
+  box->view()->setMinimumWidth(box->view()->sizeHintForColumn(0) + 24);
 }
 }  // namespace
 
@@ -30,14 +33,14 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
 
   auto* label4 = new QLabel("MIDI In Device", this);
   label4->setObjectName("Label4");
-  place(label4, 3600, 1080, 1215, 255);
+  placeLabel(label4, 3600, 1080, 1215, 255);
   combo1_ = new QComboBox(this);
   combo1_->setObjectName("Combo1");
   place(combo1_, 3360, 1320, 1815, 315);
 
   auto* label5 = new QLabel("MIDI Out Device", this);
   label5->setObjectName("Label5");
-  place(label5, 5760, 1080, 1335, 255);
+  placeLabel(label5, 5760, 1080, 1335, 255);
   combo2_ = new QComboBox(this);
   combo2_->setObjectName("Combo2");
   place(combo2_, 5520, 1320, 1815, 315);
