@@ -93,6 +93,18 @@ inline constexpr std::array<MultiSection, 5> kMultiSections{{
 // Dump request of section s of the part numbered `part` (1-based: M5 is 5).
 Bytes multiSectionRequest(std::int16_t part, std::int16_t section);
 
+// Addresses of the instrument's own settings that the commands send to.
+inline constexpr Address kAddrPerfChannel{0x50, 0x00, 0x00};
+inline constexpr Address kAddrTransmitChannel{0x50, 0x00, 0x0A};
+inline constexpr Address kAddrLocalSwitch{0x50, 0x00, 0x0B};
+inline constexpr Address kAddrArpeggiator{0x60, 0x00, 0x33};
+
+// All Notes Off on the sixteen channels: (B0 + c) 7B 00 for c = 0..15, 48 bytes.
+Bytes allNotesOffSequence();
+// Note Offs of the test note: (80 + c) note velocity for c = 0..15 and again for c = 4..15,
+// 84 bytes (the Multi channels 5..16 get theirs twice).
+Bytes testNoteOffSequence(std::uint8_t note, std::uint8_t velocity);
+
 // Cuts a stream of MIDI bytes, as a long message may carry several, into whole messages:
 // SysEx from F0 to F7, channel and system messages by their data counts, running status
 // followed. Data bytes with no status before them are dropped.

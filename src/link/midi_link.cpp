@@ -1,16 +1,26 @@
 #include "link/midi_link.h"
 
+#include "link/numtext.h"
+
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <thread>
 
 namespace tessivo {
 
-void sleepMilliseconds(int milliseconds) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
-
 MidiLink::MidiLink(MidiService& midi, Screen& screen, SleepFn sleep)
     : midi_(midi), screen_(screen), sleep_(std::move(sleep)) {}
+
+void MidiLink::sleep(int milliseconds) {
+  if (sleep_) sleep_(milliseconds);
+  else std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+void MidiLink::pollReply() {
+  if (sleep_) sleep_(kPollMs);
+  else LongDataFlag.waitRaised(std::chrono::milliseconds(kPollMs));
+}
 
 namespace {
 template <typename NumDevs, typename Caps>
@@ -61,8 +71,7 @@ void MidiLink::MidiInErr(const std::string& label, std::int16_t code) {
 
 std::uint32_t MidiLink::MidiInCB(MidiHandle, std::uint32_t message, std::uintptr_t instance,
                                  std::uintptr_t, std::uintptr_t) {
-  if (message == MIM_LONGDATA)
-    reinterpret_cast<std::atomic<std::int16_t>*>(instance)->store(-1, std::memory_order_release);
+  if (message == MIM_LONGDATA) reinterpret_cast<LongDataSignal*>(instance)->raise();
   return 0;
 }
 
@@ -79,12 +88,11 @@ void MidiLink::SndSysExData(std::span<const std::uint8_t> text, std::int16_t mod
       std::copy(text.begin(), text.end(), buffer.begin());
       break;
     case 1: {
-      if (part < 0 || part > 16 || section < 0 || section > 5 || multiImage_ == nullptr) return;
+      if (part < 0 || part > 16 || section < 0 || section > 5 || images_ == nullptr) return;
       n = static_cast<std::size_t>(std::max<std::int16_t>(SctnLen[static_cast<std::size_t>(section)], 0));
-      const std::uint8_t* src =
-          multiImage_ + (static_cast<std::size_t>(part) * kMultiSectionsPerPart + static_cast<std::size_t>(section)) *
-                            kSectionBytes;
-      std::copy(src, src + n, buffer.begin());
+      const auto src = images_->multiSection(part, section);
+      if (src.size() < n) return;
+      std::copy(src.begin(), src.begin() + static_cast<std::ptrdiff_t>(n), buffer.begin());
       break;
     }
     case 2:
@@ -123,7 +131,7 @@ void MidiLink::send(std::span<const std::uint8_t> message) {
       if (r != MMSYSERR_NOERROR) MidiOutErr("midiOutUnprepareHeader ", static_cast<std::int16_t>(r));
       return;
     }
-    sleep_(kPollMs);
+    sleep(kPollMs);
   }
 }
 
@@ -134,6 +142,93 @@ void MidiLink::ReqPerfBlock(std::int16_t kind) {
 void MidiLink::ReqMltSctn(std::int16_t part, std::int16_t section) {
   if (section < 0 || section > 4) return;
   SndSysEx(multiSectionRequest(part, section));
+}
+
+std::string MidiLink::logLine(const std::string& label, int i, std::uint8_t byte) {
+  char offset[8];
+  std::snprintf(offset, sizeof offset, "%X", static_cast<unsigned>(static_cast<std::uint16_t>(i - 10)));
+  char value[4];
+  std::snprintf(value, sizeof value, "%X", static_cast<unsigned>(byte));
+  return "Sys Ex  " + label + "  " + offset + "  " + signedText(i - 1) + "   " + signedText(byte) + "  " + value;
+}
+
+void MidiLink::RtrvBlock(std::int16_t kind, std::int16_t part, std::int16_t section) {
+  std::array<std::uint8_t, 129> buffer{};
+  MidiHdr hdr;
+  hdr.lpData = buffer.data();
+  hdr.dwBufferLength = 128;
+  hdr.dwFlags = 0;
+  MMRESULT r = midi_.midiInPrepareHeader(MidiInHnd, &hdr, kMidiHdrSize);
+  if (r != MMSYSERR_NOERROR) {
+    MidiInErr("InPrepHdr", static_cast<std::int16_t>(r));
+    return;
+  }
+  r = midi_.midiInAddBuffer(MidiInHnd, &hdr, kMidiHdrSize);
+  if (r != MMSYSERR_NOERROR) {
+    MidiInErr("InAddBuff", static_cast<std::int16_t>(r));
+    return;
+  }
+  midi_.midiDisconnect(MidiInHnd, MidiOutHnd);
+  r = midi_.midiInStop(MidiInHnd);
+  if (r != MMSYSERR_NOERROR) MidiInErr("InStop", static_cast<std::int16_t>(r));
+  r = midi_.midiInStart(MidiInHnd);
+  if (r != MMSYSERR_NOERROR) MidiInErr("InStart", static_cast<std::int16_t>(r));
+
+  LongDataFlag.clear();
+  if (kind == kKindMulti) ReqMltSctn(part, section);
+  else if (perfBlock(kind)) ReqPerfBlock(kind);
+  else if (ReqParm) ReqParm();
+
+  for (int polls = 0; LongDataFlag.load() == 0;) {
+    if (++polls > kReplyPolls) break;
+    pollReply();
+  }
+
+  r = midi_.midiInStop(MidiInHnd);
+  if (r != MMSYSERR_NOERROR) MidiInErr("InStop", static_cast<std::int16_t>(r));
+  r = midi_.midiInReset(MidiInHnd);
+  if (r != MMSYSERR_NOERROR) MidiInErr("InReset", static_cast<std::int16_t>(r));
+  r = midi_.midiInUnprepareHeader(MidiInHnd, &hdr, kMidiHdrSize);
+  if (r != MMSYSERR_NOERROR) {
+    MidiInErr("InUnPrepHdr", static_cast<std::int16_t>(r));
+    return;
+  }
+
+  // The reply is copied as it came, by the length of the block asked for.
+  std::string label;
+  std::size_t count = 0;
+  if (const PerfBlock* b = perfBlock(kind)) {
+    label = b->label;
+    static constexpr std::array<std::size_t, 9> kRtrvIndex{5, 6, 7, 0, 1, 2, 3, 0, 4};
+    count = static_cast<std::size_t>(std::max<std::int16_t>(RtrvLen[kRtrvIndex[static_cast<std::size_t>(kind)]], 0));
+  } else if (kind == kKindMulti) {
+    label = "Mlt" + signedText(part) + signedText(section);
+    if (section >= 0 && section <= 10)
+      count = static_cast<std::size_t>(std::max<std::int16_t>(SctnLen[static_cast<std::size_t>(section)], 0));
+  } else {
+    label = "Parm retrieve";
+  }
+  if (count > 0 && images_) {
+    const auto dest = images_->blockDestination(kind, part, section);
+    const std::size_t n = std::min({count, dest.size(), buffer.size()});
+    std::copy(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(n), dest.begin());
+  }
+  const auto recorded = std::min<std::size_t>(hdr.dwBytesRecorded, 128);
+  for (std::size_t i = 1; i <= recorded; ++i) List1.push_back(logLine(label, static_cast<int>(i), buffer[i - 1]));
+
+  if (LoadingFlag != 0) return;  // while the form fills, the thru path stays off between blocks
+  r = midi_.midiConnect(MidiInHnd, MidiOutHnd);
+  if (r != MMSYSERR_NOERROR) {
+    MidiInErr("Connect", static_cast<std::int16_t>(r));
+    return;
+  }
+  r = midi_.midiInStart(MidiInHnd);
+  if (r != MMSYSERR_NOERROR) MidiInErr("InStart", static_cast<std::int16_t>(r));
+}
+
+void MidiLink::RtrvMlt(std::int16_t part) {
+  List1.clear();
+  for (std::int16_t s = 0; s <= 4; ++s) RtrvBlock(kKindMulti, part, s);
 }
 
 }  // namespace tessivo

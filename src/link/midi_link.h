@@ -5,10 +5,14 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "link/messages.h"
 #include "link/midi_service.h"
@@ -25,23 +29,66 @@ inline constexpr std::size_t kMultiImageBytes = kMultiParts * kMultiSectionsPerP
 inline constexpr int kUnprepareTries = 400;  // tries of midiOutUnprepareHeader before the box
 inline constexpr int kPollMs = 5;             // the wait between two tries
 
+inline constexpr int kReplyPolls = 400;  // polls of 5 ms for a reply: about two seconds
+
 using SleepFn = std::function<void(int milliseconds)>;
-void sleepMilliseconds(int milliseconds);
+
+// Where retrieved blocks land and where Mode 1 sends from: the byte images.
+class BlockStore {
+ public:
+  virtual ~BlockStore() = default;
+  // The section that a block fills: kinds 0..6 and 8 a Performance section, kind 7 the
+  // Multi section (part number 1..17, section 0..5). Empty when there is none.
+  virtual std::span<std::uint8_t> blockDestination(std::int16_t kind, std::int16_t part, std::int16_t section) = 0;
+  // A section of the Multi image by part index 0..16 and section 0..5.
+  virtual std::span<const std::uint8_t> multiSection(std::int16_t partIndex, std::int16_t section) = 0;
+};
+
+// LongDataFlag: raised by the input callback when a long message has come in. The waiting
+// side wakes as soon as it rises instead of at its next poll.
+class LongDataSignal {
+ public:
+  std::int16_t load() const { return value_.load(std::memory_order_acquire); }
+  void clear() { value_.store(0, std::memory_order_release); }
+  void raise() {
+    value_.store(-1, std::memory_order_release);
+    std::lock_guard lock(mutex_);
+    cv_.notify_all();
+  }
+  // Waits at most `timeout` for the flag; true when it is raised.
+  bool waitRaised(std::chrono::microseconds timeout) {
+    std::unique_lock lock(mutex_);
+    return cv_.wait_for(lock, timeout, [this] { return load() != 0; });
+  }
+
+ private:
+  std::atomic<std::int16_t> value_{0};
+  std::mutex mutex_;
+  std::condition_variable cv_;
+};
 
 class MidiLink {
  public:
-  MidiLink(MidiService& midi, Screen& screen, SleepFn sleep = sleepMilliseconds);
+  // `sleep` replaces every wait of the link (tests count them); without it the link sleeps
+  // for real and a reply wakes it at once.
+  MidiLink(MidiService& midi, Screen& screen, SleepFn sleep = {});
 
   MidiService& midi() { return midi_; }
   Screen& screen() { return screen_; }
-  void sleep(int milliseconds) { sleep_(milliseconds); }
+  void sleep(int milliseconds);
 
   // Module globals of the link.
   MidiHandle MidiInHnd = 0;
   MidiHandle MidiOutHnd = 0;
   std::int32_t MidiInDev = 0;
   std::int32_t MidiOutDev = 0;
-  std::atomic<std::int16_t> LongDataFlag{0};  // 0 or -1 (0xFFFF), raised by MidiInCB
+  LongDataSignal LongDataFlag;  // 0 or -1 (0xFFFF), raised by MidiInCB
+  // Non-zero (-1) while the main form fills: blocks then leave the thru path off.
+  std::int16_t LoadingFlag = 0;
+  // List1: one text line for every byte received by a block.
+  std::vector<std::string> List1;
+  // Sends the parameter request of the manual fields; used for kinds outside 0..8.
+  std::function<void()> ReqParm;
 
   // Tables of message lengths, set at start-up. SctnLen: 0..4 Multi sections, 5 Com1, 6 Com2,
   // 7 Com3, 8 Com0, 9 Layer; index 10 stays 0. RtrvLen: 0..3 Layers, 4 Com0, 5..7 Com1..Com3.
@@ -49,8 +96,8 @@ class MidiLink {
   std::array<std::int16_t, 8> RtrvLen{};
   std::array<std::uint8_t, 129> SndBuf{};  // Mode 2 source, filled by the caller
 
-  // The Multi Part image that Mode 1 reads (kMultiImageBytes); none until attached.
-  void attachMultiImage(const std::uint8_t* image) { multiImage_ = image; }
+  // The images that blocks fill and Mode 1 reads; none until attached.
+  void attachImages(BlockStore* images) { images_ = images; }
 
   // Fill a device list in device order; a failing capability call shows
   // "midiInGetDevCaps Error: <code>" (or the Out twin) and ends that list.
@@ -78,13 +125,23 @@ class MidiLink {
   void ReqPerfBlock(std::int16_t kind);
   void ReqMltSctn(std::int16_t part, std::int16_t section);
 
+  // Requests one block and copies the reply over its section: the input is armed, the thru
+  // path cut, the request sent, and the reply awaited for about two seconds at most. A
+  // missing reply is not detected: the section's first bytes become 0.
+  void RtrvBlock(std::int16_t kind, std::int16_t part, std::int16_t section);
+  // The five sections of the Multi numbered `part` (5..16), after clearing List1.
+  void RtrvMlt(std::int16_t part);
+  // A log line of List1: byte i (1-based) of a reply under `label`.
+  static std::string logLine(const std::string& label, int i, std::uint8_t byte);
+
  private:
   void send(std::span<const std::uint8_t> message);
+  void pollReply();
 
   MidiService& midi_;
   Screen& screen_;
   SleepFn sleep_;
-  const std::uint8_t* multiImage_ = nullptr;
+  BlockStore* images_ = nullptr;
 };
 
 }  // namespace tessivo

@@ -14,6 +14,14 @@ enum class MsgAnswer { Ok, Cancel, Yes, No };
 
 enum class FormId { Pref, Splash, Main };
 
+// The file dialog's settings and, after it, the chosen file.
+struct FileDialog {
+  std::string filter;  // "Description (*.ext)|*.ext|..."
+  int filterIndex = 1;
+  int flags = 0;
+  std::string fileName;
+};
+
 class Screen {
  public:
   virtual ~Screen() = default;
@@ -25,6 +33,8 @@ class Screen {
   virtual void hideForm(FormId form) = 0;
   virtual void unloadForm(FormId form) = 0;
   virtual void setBusy(bool busy) = 0;
+  // The open dialog; false when the user cancelled (fileName is then unchanged).
+  virtual bool showOpen(FileDialog& dialog) = 0;
   // The one-shot start timer of the main form (interval in milliseconds, 0 stops it).
   virtual void startTimer(int intervalMs) = 0;
 };

@@ -3,7 +3,12 @@
 namespace tessivo {
 
 App::App(MidiService& midi, Screen& screen, SleepFn sleep)
-    : screen_(screen), link_(midi, screen, std::move(sleep)), pref_(link_) {}
+    : screen_(screen), link_(midi, screen, std::move(sleep)), pref_(link_) {
+  // A new channel reaches the instrument at once, but only once the program has started.
+  pref_.cmbPerfChnl.click = [this] {
+    if (!StartingUp && main_) main_->performance().ChngPrfMidiChan();
+  };
+}
 
 void App::Main() {
   StartingUp = true;
@@ -22,6 +27,7 @@ void App::OKButton_Click() {
     screen_.startTimer(kStartTimerMs);
     StartingUp = false;
   }
+  pref_.SvPrefs();
   screen_.hideForm(FormId::Pref);
 }
 

@@ -14,7 +14,7 @@ inline constexpr int kStartTimerMs = 1000;
 
 class App {
  public:
-  App(MidiService& midi, Screen& screen, SleepFn sleep = sleepMilliseconds);
+  App(MidiService& midi, Screen& screen, SleepFn sleep = {});
 
   void Main();
   void OKButton_Click();

@@ -7,12 +7,28 @@
 #include <string>
 #include <vector>
 
+#include "link/numtext.h"
+
 namespace tessivo {
 
 struct ButtonCtl {
   std::string caption;
   bool enabled = true;
   bool visible = true;
+};
+
+struct TextCtl {
+  std::string text;
+  bool enabled = true;
+  bool visible = true;
+};
+
+// A slider: setting its value from code raises nothing.
+struct SliderCtl {
+  int value = 0;
+  int min = 0;
+  int max = 0;
+  bool enabled = true;
 };
 
 struct CheckCtl {
@@ -34,6 +50,12 @@ class ListCtl {
     index_ = index;
     if (click) click();
   }
+  // A user's pick: runs the click even when the entry was already selected.
+  void pick(int index) {
+    if (index < -1 || index >= static_cast<int>(items.size())) return;
+    index_ = index;
+    if (click) click();
+  }
   void addItem(std::string text) { items.push_back(std::move(text)); }
   void clear() {
     items.clear();
@@ -44,10 +66,5 @@ class ListCtl {
  private:
   int index_ = -1;
 };
-
-// A number as the forms' lists show it: decimal with a leading blank for the sign.
-inline std::string signedText(long value) {
-  return value < 0 ? std::to_string(value) : " " + std::to_string(value);
-}
 
 }  // namespace tessivo

@@ -1,5 +1,10 @@
 #include "shell/main_form.h"
 
+#include <cmath>
+#include <cstdlib>
+
+#include "data/tables.h"
+
 namespace tessivo {
 
 namespace {
@@ -8,13 +13,38 @@ constexpr std::array<std::int16_t, 8> kRetrieveLengths{56, 56, 56, 56, 37, 63, 3
 constexpr int kStartNote = 67;
 constexpr int kStartVelocity = 127;
 constexpr std::uint16_t kPoolRecordFree = 256;
+constexpr std::size_t kReceiveChannelAt = 13;  // Multi section 0: the part's receive channel
+constexpr int kAllNotesOffPauseMs = 1000;
+
+std::uint8_t listByte(const ListCtl& list) { return static_cast<std::uint8_t>(std::clamp(list.index(), 0, 127)); }
 }  // namespace
 
-MainForm::MainForm(MidiLink& link, PrefForm& pref) : link_(link), pref_(pref) {
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi " + std::to_string(m);
+std::optional<std::uint8_t> fieldByte(const std::string& text) {
+  const char* begin = text.c_str();
+  char* end = nullptr;
+  const double value = std::strtod(begin, &end);
+  if (end == begin) return std::nullopt;
+  while (*end == ' ') ++end;
+  if (*end != '\0' || !std::isfinite(value)) return std::nullopt;
+  const double whole = std::trunc(value);
+  if (whole < 0 || whole > 255) return std::nullopt;
+  return static_cast<std::uint8_t>(whole);
 }
 
-void MainForm::fillLists() {
+MainForm::MainForm(MidiLink& link, PrefForm& pref)
+    : link_(link),
+      pref_(pref),
+      perf_(link, images_.perf, panel,
+            {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return SSTab2Visible; }, {}}) {
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi " + std::to_string(m);
+  link_.attachImages(&images_);
+  link_.ReqParm = [this] {
+    const auto a = fieldByte(TxtParm[1].text), b = fieldByte(TxtParm[2].text), c = fieldByte(TxtParm[3].text);
+    if (a && b && c) link_.SndSysEx(parmRequest({*a, *b, *c}));
+  };
+}
+
+void MainForm::fillStartLists() {
   CmbMidNtNo.addItem(" 0");
   CmbMidVel.addItem(" 0");
   for (int i = 1; i <= 127; ++i) {
@@ -34,6 +64,18 @@ void MainForm::fillLists() {
   for (std::size_t i = 0; i < kRetrieveLengths.size(); ++i) link_.RtrvLen[i] = kRetrieveLengths[i];
   CmbMidNtNo.setIndex(kStartNote);
   CmbMidVel.setIndex(kStartVelocity);
+}
+
+void MainForm::FillLists() {
+  auto fill = [](ListCtl& list, std::span<const EffectType> table) {
+    list.clear();
+    for (const EffectType& t : table) list.addItem(std::string(t.name));
+  };
+  fill(CmbRvrb, RvrbTbl);
+  fill(CmbChrs, ChrsTbl);
+  fill(CmbVar, VarTbl);
+  panel.CmbPrgm.clear();
+  for (std::string_view name : PrfNames1) panel.CmbPrgm.addItem(std::string(name));
 }
 
 bool MainForm::openPorts() {
@@ -66,14 +108,29 @@ void MainForm::connectThru() {
   if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStart", static_cast<std::int16_t>(r));
 }
 
+void MainForm::readMultis() {
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    if (pref_.ChkMlt(m).value == 0) continue;  // initialised with defaults instead
+    link_.RtrvMlt(static_cast<std::int16_t>(m));
+    // The list shows the part's receive channel; a byte that is no channel (0x10: none) is
+    // refused by the list, which keeps its start value.
+    row(m).CmbMult.setIndex(images_.multi.section(static_cast<std::size_t>(m - 1), 0)[kReceiveChannelAt]);
+  }
+}
+
 void MainForm::Form_Loadx() {
-  LoadingFlag = -1;
-  fillLists();
+  link_.LoadingFlag = -1;
+  fillStartLists();
   // A failed output ends the start here: the form shows with what it has, every later send
   // reports its failure.
   if (!openPorts()) return;
+  FillLists();
+  panel.CmbPrgm.setIndex(0);  // its click changes the Performance and reads it
+  perf_.DspPerf();
+  readMultis();
   connectThru();
-  LoadingFlag = 0;
+  perf_.ChngPrfMidiChan();
+  link_.LoadingFlag = 0;
   Screen& screen = link_.screen();
   screen.unloadForm(FormId::Splash);
   screen.showForm(FormId::Main);
@@ -99,6 +156,81 @@ bool MainForm::Form_Unload() {
     if (r != MMSYSERR_NOERROR) link_.MidiOutErr("Close", static_cast<std::int16_t>(r));
   }
   return false;
+}
+
+void MainForm::RtrvPerf_Click() { perf_.DspPerf(); }
+
+void MainForm::RtrvAllMulti_Click() {
+  Screen& screen = link_.screen();
+  screen.setBusy(true);
+  link_.List1.clear();
+  for (std::int16_t part = kFirstMulti; part <= kLastMulti; ++part)
+    for (std::int16_t section = 0; section <= 4; ++section) link_.RtrvBlock(kKindMulti, part, section);
+  screen.setBusy(false);
+}
+
+void MainForm::RtrvMulti_Click(int multi) { link_.RtrvMlt(static_cast<std::int16_t>(multi)); }
+
+void MainForm::AllNtsOffSnd() {
+  link_.SndSysEx(allNotesOffSequence());
+  link_.SndSysEx(testNoteOffSequence(listByte(CmbMidNtNo), listByte(CmbMidVel)));
+}
+
+void MainForm::AllNtsOff_Click() {
+  Screen& screen = link_.screen();
+  MidiService& midi = link_.midi();
+  screen.setBusy(true);
+  AllNtsOffSnd();
+  midi.midiDisconnect(link_.MidiInHnd, link_.MidiOutHnd);
+  link_.sleep(kAllNotesOffPauseMs);
+  MMRESULT r = midi.midiInStop(link_.MidiInHnd);
+  if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStop", static_cast<std::int16_t>(r));
+  r = midi.midiConnect(link_.MidiInHnd, link_.MidiOutHnd);
+  if (r != MMSYSERR_NOERROR) {
+    link_.MidiInErr("Connect", static_cast<std::int16_t>(r));
+  } else {
+    r = midi.midiInStart(link_.MidiInHnd);
+    if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStart", static_cast<std::int16_t>(r));
+  }
+  screen.setBusy(false);
+}
+
+void MainForm::LocalOff_Click() {
+  LocalOffChecked = !LocalOffChecked;
+  link_.SndSysEx(paramChange(kModelCs2x, kAddrLocalSwitch, LocalOffChecked ? 0 : 1));
+}
+
+void MainForm::ArpOff_Click() {
+  // The arpeggiator takes 4 for off and 5 for on.
+  ArpOffChecked = !ArpOffChecked;
+  link_.SndSysEx(paramChange(kModelCs2x, kAddrArpeggiator, ArpOffChecked ? 4 : 5));
+}
+
+void MainForm::TrnsChnlAssgn_Click() { TrnsChnlAssgnChecked = !TrnsChnlAssgnChecked; }
+
+void MainForm::CmdChngCntl_Click() {
+  const auto channel = fieldByte(TxtParm[1].text), control = fieldByte(TxtParm[2].text),
+             value = fieldByte(TxtParm[3].text);
+  if (!channel || !control || !value || *channel > 0xFF - 0xB0) return;  // no byte: refused
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0xB0 + *channel), *control, *value});
+}
+
+void MainForm::CmdChngParm_Click() {
+  Bytes m{kSysExStart, kYamahaId, kParamChange};
+  for (const TextCtl& field : TxtParm) {
+    const auto b = fieldByte(field.text);
+    if (!b) return;
+    m.push_back(*b);
+  }
+  m.push_back(kSysExEnd);
+  link_.SndSysEx(m);
+}
+
+void MainForm::CmdRtrvParm_Click() {
+  for (int i = 1; i <= 3; ++i)
+    if (!fieldByte(TxtParm[static_cast<std::size_t>(i)].text)) return;
+  link_.List1.clear();
+  link_.RtrvBlock(16, 0, 0);
 }
 
 }  // namespace tessivo

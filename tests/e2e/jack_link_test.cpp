@@ -101,10 +101,10 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   ASSERT_EQ(midi.midiInPrepareHeader(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
   ASSERT_EQ(midi.midiInAddBuffer(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
   ASSERT_EQ(midi.midiInStart(link.MidiInHnd), 0u);
-  link.LongDataFlag = 0;
+  link.LongDataFlag.clear();
   const Bytes reply = bulkDump(kModelCs2x, {0x60, 0x00, 0x00}, Bytes(52, 0x21));
   peer.send(reply);
-  for (int i = 0; i < 400 && link.LongDataFlag == 0; ++i) std::this_thread::sleep_for(5ms);
+  for (int i = 0; i < 400 && link.LongDataFlag.load() == 0; ++i) std::this_thread::sleep_for(5ms);
   EXPECT_EQ(link.LongDataFlag.load(), -1);
   midi.midiInStop(link.MidiInHnd);
   midi.midiInReset(link.MidiInHnd);

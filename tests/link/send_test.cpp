@@ -2,6 +2,7 @@
 // failure boxes and their text, the device lists and the input callback.
 #include <gtest/gtest.h>
 
+#include "data/images.h"
 #include "link/midi_link.h"
 #include "support/scripted.h"
 
@@ -18,12 +19,14 @@ class SendPath : public ::testing::Test {
                   EXPECT_EQ(ms, 5);
                   ++sleeps;
                 }};
-  std::array<std::uint8_t, kMultiImageBytes> multi{};
+  Images images;
 
   void SetUp() override {
     const std::int16_t lengths[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
     for (int i = 0; i < 10; ++i) link.SctnLen[static_cast<std::size_t>(i)] = lengths[i];
-    link.attachMultiImage(multi.data());
+    link.attachImages(&images);
+    link.MidiOutHnd = 0x0B;
+    link.MidiInHnd = 0x0A;
   }
 };
 
@@ -48,8 +51,8 @@ TEST_F(SendPath, ModeZeroTakesExactly128BytesAndRefusesMore) {
 
 TEST_F(SendPath, ModeOneSendsAMultiSectionAtItsLength) {
   // part index 15 (M16), section 4: 13 bytes
-  const std::size_t base = (15 * kMultiSectionsPerPart + 4) * kSectionBytes;
-  for (std::size_t i = 0; i < kSectionBytes; ++i) multi[base + i] = static_cast<std::uint8_t>(i + 1);
+  auto section = images.multi.section(15, 4);
+  for (std::size_t i = 0; i < section.size(); ++i) section[i] = static_cast<std::uint8_t>(i + 1);
   link.SndSysExData({}, 1, 15, 4);
   ASSERT_EQ(midi.sent.size(), 1u);
   EXPECT_EQ(midi.sent[0].size(), 13u);
@@ -168,7 +171,7 @@ TEST_F(SendPath, RequestSendersBuildTheDumpRequests) {
 }
 
 TEST(InputCallback, OnlyALongMessageRaisesTheFlag) {
-  std::atomic<std::int16_t> flag{0};
+  LongDataSignal flag;
   const auto inst = reinterpret_cast<std::uintptr_t>(&flag);
   EXPECT_EQ(MidiLink::MidiInCB(1, MIM_DATA, inst, 0x7F4090, 0), 0u);
   EXPECT_EQ(MidiLink::MidiInCB(1, MIM_OPEN, inst, 0, 0), 0u);

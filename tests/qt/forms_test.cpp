@@ -13,6 +13,7 @@
 #include "instrument/virtual_cs2x.h"
 #include "link/port_service.h"
 #include "shell/qt/qt_app.h"
+#include "support/scripted.h"
 
 namespace tessivo::qt {
 
@@ -22,6 +23,9 @@ class Forms : public ::testing::Test {
   VirtualCs2xProvider builtIn{cs2x};
   PortMidiService midi{{&builtIn}};
   QtApp app{midi};
+  test::TempFile prefs;
+
+  void SetUp() override { app.logic().pref().prefsPath = prefs.path; }
 };
 
 TEST_F(Forms, ThePreferencesComeFirstWithTheBuiltInInstrumentAndOkAsDefault) {

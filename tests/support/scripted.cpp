@@ -1,6 +1,9 @@
 #include "support/scripted.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <unistd.h>
 
 namespace tessivo::test {
 
@@ -15,6 +18,19 @@ std::string hex(const Bytes& bytes) {
   return s;
 }
 
+TempFile::TempFile() {
+  static int count = 0;
+  path = (std::filesystem::temp_directory_path() /
+          ("tessivo-test-" + std::to_string(::getpid()) + "-" + std::to_string(++count)))
+             .string();
+  std::filesystem::remove(path);
+}
+
+TempFile::~TempFile() {
+  std::error_code ec;
+  std::filesystem::remove(path, ec);
+}
+
 const char* formName(FormId form) {
   switch (form) {
     case FormId::Pref: return "frmPref";
@@ -24,7 +40,7 @@ const char* formName(FormId form) {
   return "?";
 }
 
-MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail) {
+MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail, MidiHandle handle) {
   ++calls[op];
   events_.push_back(detail.empty() ? op : op + " " + detail);
   auto& queue = script[op];
@@ -34,7 +50,8 @@ MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail) {
     return r;
   }
   auto it = always.find(op);
-  return it == always.end() ? MMSYSERR_NOERROR : it->second;
+  if (it != always.end()) return it->second;
+  return handle == 0 ? MMSYSERR_INVALHANDLE : MMSYSERR_NOERROR;  // a port that never opened
 }
 
 std::vector<std::string> ScriptedMidi::midiCalls() const {
@@ -74,24 +91,44 @@ MMRESULT ScriptedMidi::midiInOpen(MidiHandle& handle, std::uint32_t device, Midi
   return r;
 }
 
-MMRESULT ScriptedMidi::midiConnect(MidiHandle, MidiHandle) { return call("midiConnect"); }
-MMRESULT ScriptedMidi::midiDisconnect(MidiHandle, MidiHandle) { return call("midiDisconnect"); }
-MMRESULT ScriptedMidi::midiInStart(MidiHandle) { return call("midiInStart"); }
-MMRESULT ScriptedMidi::midiInStop(MidiHandle) { return call("midiInStop"); }
-MMRESULT ScriptedMidi::midiInReset(MidiHandle) { return call("midiInReset"); }
-MMRESULT ScriptedMidi::midiInPrepareHeader(MidiHandle, MidiHdr*, std::uint32_t) { return call("midiInPrepareHeader"); }
-MMRESULT ScriptedMidi::midiInAddBuffer(MidiHandle, MidiHdr*, std::uint32_t) { return call("midiInAddBuffer"); }
-MMRESULT ScriptedMidi::midiInUnprepareHeader(MidiHandle, MidiHdr*, std::uint32_t) {
-  return call("midiInUnprepareHeader");
+MMRESULT ScriptedMidi::midiConnect(MidiHandle in, MidiHandle out) { return call("midiConnect", "", in && out); }
+MMRESULT ScriptedMidi::midiDisconnect(MidiHandle in, MidiHandle out) { return call("midiDisconnect", "", in && out); }
+MMRESULT ScriptedMidi::midiInStart(MidiHandle in) { return call("midiInStart", "", in); }
+MMRESULT ScriptedMidi::midiInStop(MidiHandle in) { return call("midiInStop", "", in); }
+MMRESULT ScriptedMidi::midiInReset(MidiHandle in) {
+  armed_ = nullptr;
+  return call("midiInReset", "", in);
 }
-MMRESULT ScriptedMidi::midiOutPrepareHeader(MidiHandle, MidiHdr*, std::uint32_t) {
-  return call("midiOutPrepareHeader");
+MMRESULT ScriptedMidi::midiInPrepareHeader(MidiHandle in, MidiHdr*, std::uint32_t) {
+  return call("midiInPrepareHeader", "", in);
+}
+MMRESULT ScriptedMidi::midiInAddBuffer(MidiHandle in, MidiHdr* hdr, std::uint32_t) {
+  MMRESULT r = call("midiInAddBuffer", "", in);
+  if (r == 0) armed_ = hdr;
+  return r;
+}
+MMRESULT ScriptedMidi::midiInUnprepareHeader(MidiHandle in, MidiHdr*, std::uint32_t) {
+  return call("midiInUnprepareHeader", "", in);
+}
+MMRESULT ScriptedMidi::midiOutPrepareHeader(MidiHandle out, MidiHdr*, std::uint32_t) {
+  return call("midiOutPrepareHeader", "", out);
 }
 
-MMRESULT ScriptedMidi::midiOutLongMsg(MidiHandle, MidiHdr* hdr, std::uint32_t) {
+MMRESULT ScriptedMidi::midiOutLongMsg(MidiHandle out, MidiHdr* hdr, std::uint32_t) {
   Bytes bytes(hdr->lpData, hdr->lpData + hdr->dwBufferLength);
-  MMRESULT r = call("midiOutLongMsg", hex(bytes));
-  if (r == 0) sent.push_back(bytes);
+  MMRESULT r = call("midiOutLongMsg", hex(bytes), out);
+  if (r != 0) return r;
+  sent.push_back(bytes);
+  if (answer && armed_) {
+    if (auto reply = answer(bytes)) {
+      MidiHdr* in = armed_;
+      armed_ = nullptr;
+      const std::size_t n = std::min<std::size_t>(reply->size(), in->dwBufferLength);
+      std::copy(reply->begin(), reply->begin() + static_cast<std::ptrdiff_t>(n), in->lpData);
+      in->dwBytesRecorded = static_cast<std::uint32_t>(n);
+      if (callback) callback(0x0A, MIM_LONGDATA, instance, reinterpret_cast<std::uintptr_t>(in), 0);
+    }
+  }
   return r;
 }
 
@@ -107,9 +144,9 @@ MMRESULT ScriptedMidi::midiOutUnprepareHeader(MidiHandle, MidiHdr*, std::uint32_
   return it == always.end() ? MMSYSERR_NOERROR : it->second;
 }
 
-MMRESULT ScriptedMidi::midiOutReset(MidiHandle) { return call("midiOutReset"); }
-MMRESULT ScriptedMidi::midiInClose(MidiHandle) { return call("midiInClose"); }
-MMRESULT ScriptedMidi::midiOutClose(MidiHandle) { return call("midiOutClose"); }
+MMRESULT ScriptedMidi::midiOutReset(MidiHandle out) { return call("midiOutReset", "", out); }
+MMRESULT ScriptedMidi::midiInClose(MidiHandle in) { return call("midiInClose", "", in); }
+MMRESULT ScriptedMidi::midiOutClose(MidiHandle out) { return call("midiOutClose", "", out); }
 
 MMRESULT ScriptedMidi::midiOutGetErrorText(MMRESULT code, std::string& text) {
   text = "out error " + std::to_string(static_cast<std::int32_t>(code));
@@ -148,6 +185,15 @@ void ScriptedScreen::setBusy(bool b) { busy = b; }
 void ScriptedScreen::startTimer(int intervalMs) {
   timerMs = intervalMs;
   events_.push_back("timer " + std::to_string(intervalMs));
+}
+
+bool ScriptedScreen::showOpen(FileDialog& dialog) {
+  dialogs.push_back(dialog);
+  events_.push_back("open dialog");
+  if (openAnswers.empty()) return false;
+  dialog.fileName = openAnswers.front();
+  openAnswers.pop_front();
+  return true;
 }
 
 }  // namespace tessivo::test

@@ -4,6 +4,8 @@
 // write into one event list, so a test sees the order of MIDI calls and screen events.
 
 #include <deque>
+#include <functional>
+#include <optional>
 #include <map>
 #include <string>
 #include <vector>
@@ -58,9 +60,13 @@ class ScriptedMidi : public MidiService {
 
   MidiInProc callback = nullptr;
   std::uintptr_t instance = 0;
+  // The instrument's side: the answer to a message that went out, delivered into the armed
+  // input buffer at once. Nothing: no answer.
+  std::function<std::optional<Bytes>(const Bytes&)> answer;
 
  private:
-  MMRESULT call(const std::string& op, const std::string& detail = "");
+  MMRESULT call(const std::string& op, const std::string& detail = "", MidiHandle handle = 1);
+  MidiHdr* armed_ = nullptr;
   Events& events_;
 };
 
@@ -79,6 +85,8 @@ class ScriptedScreen : public Screen {
   int timerMs = 0;
   bool busy = false;
   std::map<FormId, bool> visible;
+  std::deque<std::string> openAnswers;  // files chosen in the next open dialogs; empty: Cancel
+  std::vector<FileDialog> dialogs;
 
   MsgAnswer messageBox(const std::string& text, const std::string& title, MsgButtons buttons,
                        MsgIcon icon) override;
@@ -88,9 +96,17 @@ class ScriptedScreen : public Screen {
   void unloadForm(FormId form) override;
   void setBusy(bool busy) override;
   void startTimer(int intervalMs) override;
+  bool showOpen(FileDialog& dialog) override;
 
  private:
   Events& events_;
+};
+
+// A file name in the temporary folder, unique to the test, removed at the end.
+struct TempFile {
+  TempFile();
+  ~TempFile();
+  std::string path;
 };
 
 const char* formName(FormId form);

@@ -1,6 +1,7 @@
 #include "shell/qt/qt_app.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -41,6 +42,13 @@ QMessageBox* makeMessageBox(const std::string& text, const std::string& title, M
       break;
   }
   return box;
+}
+
+QStringList nameFilters(const std::string& filter) {
+  const QStringList parts = QString::fromStdString(filter).split('|');
+  QStringList filters;
+  for (int i = 0; i + 1 < parts.size(); i += 2) filters << parts[i];
+  return filters;
 }
 
 QtApp::QtApp(MidiService& midi, QObject* parent) : QObject(parent), app_(midi, *this) {
@@ -136,6 +144,20 @@ void QtApp::setBusy(bool busy) {
 void QtApp::startTimer(int intervalMs) {
   if (intervalMs > 0) timer1_.start(intervalMs);
   else timer1_.stop();
+}
+
+bool QtApp::showOpen(FileDialog& dialog) {
+  QFileDialog box(QApplication::activeWindow());
+  box.setAcceptMode(QFileDialog::AcceptOpen);
+  box.setFileMode(QFileDialog::ExistingFile);
+  const QStringList filters = nameFilters(dialog.filter);
+  box.setNameFilters(filters);
+  // The index counts from 1; one beyond the list falls back to the first filter.
+  if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size()) box.selectNameFilter(filters[dialog.filterIndex - 1]);
+  if (!dialog.fileName.empty()) box.selectFile(QString::fromStdString(dialog.fileName));
+  if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return false;
+  dialog.fileName = box.selectedFiles().front().toStdString();
+  return true;
 }
 
 void QtApp::afterHandler() {

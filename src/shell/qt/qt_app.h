@@ -16,6 +16,9 @@ class QMessageBox;
 
 namespace tessivo::qt {
 
+// The filter of a file dialog, "Text (*.a)|*.a|Text (*.b)|*.b", as Qt's name filters.
+QStringList nameFilters(const std::string& filter);
+
 // A message box as the program shows it; OK (or Yes) is the default button, so Enter answers.
 QMessageBox* makeMessageBox(const std::string& text, const std::string& title, MsgButtons buttons,
                             MsgIcon icon);
@@ -42,6 +45,7 @@ class QtApp : public QObject, public Screen {
   void unloadForm(FormId form) override;
   void setBusy(bool busy) override;
   void startTimer(int intervalMs) override;
+  bool showOpen(FileDialog& dialog) override;
 
   // Called by the windows after a handler ran: ends the process when no form is left.
   void afterHandler();

@@ -1,0 +1,39 @@
+#pragma once
+// The preferences record "tessivo.ini" beside the program: one fixed record of 169 bytes,
+// no text file despite its name.
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tessivo {
+
+inline constexpr std::size_t kPrefsRecordBytes = 169;
+using PrefsRecord = std::array<std::uint8_t, kPrefsRecordBytes>;
+
+// Offsets in the record.
+inline constexpr std::size_t kPrefMultiChecks = 0;  // 12 bytes, Multi 5..16
+inline constexpr std::size_t kPrefInDevice = 13;
+inline constexpr std::size_t kPrefOutDevice = 14;
+inline constexpr std::size_t kPrefLoadFile = 15;
+inline constexpr std::size_t kPrefFilePath = 18;  // 127 characters, blank-filled
+inline constexpr std::size_t kPrefFilePathBytes = 127;
+inline constexpr std::size_t kPrefReserved = 145;  // 18 blanks
+inline constexpr std::size_t kPrefDensity = 163;   // 16-bit
+inline constexpr std::size_t kPrefPerfChannel = 167;  // 16-bit
+
+// The folder of the running program.
+std::string programFolder();
+std::string defaultPrefsPath();
+
+// The record as it stands in the file: a short file leaves zeros behind its end, a longer
+// one gives its first 169 bytes. Nothing when the file cannot be read.
+std::optional<PrefsRecord> readPrefsRecord(const std::string& path);
+// Writes the 169 bytes at offset 0 without shortening a longer file. False on failure.
+bool writePrefsRecord(const std::string& path, const PrefsRecord& record);
+
+std::int16_t recordWord(const PrefsRecord& record, std::size_t at);
+void setRecordWord(PrefsRecord& record, std::size_t at, std::int16_t value);
+
+}  // namespace tessivo
