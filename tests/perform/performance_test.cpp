@@ -1,0 +1,148 @@
+// Choosing a Performance: the bank options, the nine bytes of a program change, DspPerf's
+// order between its two channel messages, and what the name and Layer controls show.
+#include <gtest/gtest.h>
+
+#include "data/tables.h"
+#include "perform/performance.h"
+#include "support/scripted.h"
+
+namespace tessivo {
+using test::hex;
+
+class Selection : public ::testing::Test {
+ protected:
+  test::Events events;
+  test::ScriptedMidi midi{events};
+  test::ScriptedScreen screen{events};
+  MidiLink link{midi, screen, [](int) {}};
+  Images images;
+  PerfPanel panel;
+  int channel = 0;
+  bool effectsVisible = false;
+  int effectsRefills = 0;
+  Performance perf{link, images.perf, panel,
+                   {[this] { return channel; }, [this] { return effectsVisible; }, [this] { ++effectsRefills; }}};
+  std::array<std::uint8_t, 5> layerSwitch{0, 1, 1, 1, 1};
+  std::string name = "Trancy  ";
+
+  void SetUp() override {
+    const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
+    for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+    link.attachImages(&images);
+    link.MidiOutHnd = 0x0B;
+    MidiHandle in = 0;
+    midi.midiInOpen(in, 0, &MidiLink::MidiInCB, link.callbackInstance(), CALLBACK_FUNCTION);
+    link.MidiInHnd = in;
+    // A small instrument: a name in Com1, the layer switches in the Layers.
+    midi.answer = [this](const Bytes& m) -> std::optional<Bytes> {
+      if (m.size() != 8 || m[2] != 0x20 || m[3] != kModelCs2x) return std::nullopt;
+      const Address a{m[4], m[5], m[6]};
+      if (a.high == 0x60 && a.mid == 0 && a.low == 0) {
+        Bytes data(52, 0);
+        std::copy(name.begin(), name.end(), data.begin());
+        return bulkDump(kModelCs2x, a, data);
+      }
+      if (a.high == 0x60 && a.mid >= 1 && a.mid <= 4) {
+        Bytes data(45, 0);
+        data[0x16] = layerSwitch[a.mid];
+        return bulkDump(kModelCs2x, a, data);
+      }
+      return bulkDump(kModelCs2x, a, Bytes(a.high == 0x50 ? 26 : a.low == 0x40 ? 23 : 9, 0));
+    };
+    perf.OptPreset_Click();
+    events.clear();
+    midi.sent.clear();
+  }
+};
+
+TEST_F(Selection, ProgramChangeCarriesTheBankOfBothOptionPairs) {
+  struct Case {
+    bool user, bank2;
+    int index;
+    const char* bytes;
+  } cases[] = {
+      {false, false, 0, "B0 00 3F B0 20 40 00 C0 00"},
+      {false, true, 5, "B0 00 3F B0 20 42 00 C0 05"},
+      {true, false, 0, "B0 00 3F B0 20 41 00 C0 00"},
+      {true, true, 127, "B0 00 3F B0 20 43 00 C0 7F"},
+  };
+  for (const Case& c : cases) {
+    if (c.user) perf.OptUser_Click();
+    else perf.OptPreset_Click();
+    if (c.bank2) perf.OptBank2_Click();
+    else perf.OptBank1_Click();
+    midi.sent.clear();
+    panel.CmbPrgm.pick(c.index);
+    ASSERT_GE(midi.sent.size(), 2u);
+    EXPECT_EQ(hex(midi.sent[0]), "F0 43 10 63 50 00 00 00 F7");
+    EXPECT_EQ(hex(midi.sent[1]), c.bytes) << c.user << c.bank2;
+  }
+}
+
+TEST_F(Selection, OptionsFillTheProgramListAndSendNothing) {
+  EXPECT_EQ(panel.CmbPrgm.items.front(), "Ministry");
+  EXPECT_EQ(panel.CmbPrgm.items.size(), 128u);
+  perf.OptBank2_Click();
+  EXPECT_EQ(panel.CmbPrgm.items.front(), "Concert ");
+  EXPECT_EQ(panel.CmbPrgm.index(), -1);
+  perf.OptUser_Click();
+  EXPECT_EQ(panel.CmbPrgm.items.front(), " 1");
+  EXPECT_EQ(panel.CmbPrgm.items.back(), " 128");
+  perf.OptBank1_Click();  // with User the numbers stay
+  EXPECT_EQ(panel.CmbPrgm.items.back(), " 128");
+  perf.OptBank2_Click();
+  perf.OptPreset_Click();  // Preset then follows the bank chosen meanwhile
+  EXPECT_EQ(panel.CmbPrgm.items[1], "Wired   ");
+  EXPECT_TRUE(midi.sent.empty());
+}
+
+TEST_F(Selection, DspPerfReadsEightBlocksBetweenChannelZeroAndTheChosenChannel) {
+  channel = 3;
+  perf.DspPerf();
+  ASSERT_EQ(midi.sent.size(), 10u);
+  EXPECT_EQ(hex(midi.sent[0]), "F0 43 10 63 50 00 00 00 F7");
+  const char* requests[] = {"60 00 00", "60 00 40", "60 00 60", "60 01 00", "60 02 00", "60 03 00", "60 04 00", "50 00 00"};
+  for (int i = 0; i < 8; ++i) EXPECT_EQ(hex(midi.sent[static_cast<std::size_t>(i + 1)]), std::string("F0 43 20 63 ") + requests[i] + " F7");
+  EXPECT_EQ(hex(midi.sent[9]), "F0 43 10 63 50 00 00 03 F7");
+  EXPECT_EQ(images.perf.Com0()[PerfImage::kPerfChannelAt], 3);
+  EXPECT_EQ(images.perf.Com0()[0], 0xF0);
+}
+
+TEST_F(Selection, NameAndLayersShowWhatWasReadWithOnlySwitchValueOneOn) {
+  layerSwitch = {0, 1, 2, 0x7F, 1};
+  name = "Pad     ";
+  perf.DspPerf();
+  EXPECT_EQ(panel.CmdPrfm.caption, "Pad     ");
+  EXPECT_EQ(panel.TxtLyr[0].text, "Pad     A");
+  EXPECT_TRUE(panel.CmdLyr[0].enabled && panel.TxtLyr[0].enabled);
+  EXPECT_EQ(panel.TxtLyr[1].text, "         ");
+  EXPECT_FALSE(panel.CmdLyr[1].enabled || panel.TxtLyr[1].enabled);
+  EXPECT_FALSE(panel.CmdLyr[2].enabled);
+  EXPECT_EQ(panel.TxtLyr[3].text, "Pad     D");
+  EXPECT_EQ(perf.LyrOnTbl[2], 2);
+  EXPECT_EQ(perf.LyrOnTbl[3], 0x7F);
+  EXPECT_EQ(link.List1.size(), 63u + 34 + 20 + 4 * 56 + 37);
+}
+
+TEST_F(Selection, ASilentInstrumentShowsNoNameAndAllLayersOff) {
+  midi.answer = nullptr;
+  perf.DspPerf();
+  EXPECT_EQ(panel.CmdPrfm.caption, std::string(8, '\0'));
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_FALSE(panel.CmdLyr[static_cast<std::size_t>(i)].enabled);
+    EXPECT_EQ(panel.TxtLyr[static_cast<std::size_t>(i)].text, "         ");
+  }
+  EXPECT_TRUE(screen.boxes.empty());
+  EXPECT_TRUE(link.List1.empty());
+}
+
+TEST_F(Selection, TheProgramClickShowsBusyAndRefillsAVisibleEffectsPanel) {
+  panel.CmbPrgm.pick(3);
+  EXPECT_FALSE(screen.busy);
+  EXPECT_EQ(effectsRefills, 0);
+  effectsVisible = true;
+  panel.CmbPrgm.pick(4);
+  EXPECT_EQ(effectsRefills, 1);
+}
+
+}  // namespace tessivo

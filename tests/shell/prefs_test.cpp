@@ -1,0 +1,174 @@
+// The preferences record: its layout, the round trip from one start to the next, and what a
+// missing, short, long or nonsensical file gives.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "shell/app.h"
+#include "support/scripted.h"
+
+namespace tessivo {
+
+class Prefs : public ::testing::Test {
+ protected:
+  test::Events events;
+  test::ScriptedMidi midi{events};
+  test::ScriptedScreen screen{events};
+  test::TempFile file;
+
+  // One program start up to the preferences form.
+  std::unique_ptr<App> start() {
+    auto app = std::make_unique<App>(midi, screen, [](int) {});
+    app->pref().prefsPath = file.path;
+    app->Main();
+    return app;
+  }
+  PrefsRecord read() { return *readPrefsRecord(file.path); }
+  void write(const Bytes& bytes) {
+    std::ofstream out(file.path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  }
+};
+
+TEST_F(Prefs, AMissingFileGivesTheDefaultsAndOkWritesThem) {
+  auto app = start();
+  PrefForm& p = app->pref();
+  EXPECT_EQ(p.ChkMlt(5).value, 0);
+  EXPECT_EQ(p.Combo1.index(), 0);
+  EXPECT_EQ(p.cmbPerfChnl.index(), 0);
+  EXPECT_EQ(p.cmbPerfChnl.items.back(), " 16");
+  EXPECT_EQ(p.Slider1.value, 0);
+  EXPECT_FALSE(std::filesystem::exists(file.path));
+  app->OKButton_Click();
+  ASSERT_EQ(std::filesystem::file_size(file.path), 169u);
+  const PrefsRecord r = read();
+  EXPECT_EQ(r[18], ' ');
+  EXPECT_EQ(r[144], ' ');
+  EXPECT_EQ(r[145], ' ');
+  EXPECT_EQ(r[162], ' ');
+  EXPECT_EQ(r[163], 0);
+  EXPECT_EQ(r[12], 0);
+}
+
+TEST_F(Prefs, SettingsComeBackAtTheNextStartAsTheyWereAtOk) {
+  {
+    auto app = start();
+    PrefForm& p = app->pref();
+    p.ChkMlt(5).value = 1;
+    p.ChkMlt(8).value = 1;
+    p.ChkMlt(16).value = 1;
+    p.ChkLdFile.value = 1;
+    p.TxtLdFile.text = "/home/me/set.tvw";
+    p.Combo1.setIndex(1);
+    p.Combo2.setIndex(1);
+    p.cmbPerfChnl.setIndex(12);  // silent: the program has not started
+    p.Slider1.value = 3;
+    app->OKButton_Click();
+    EXPECT_TRUE(midi.sent.empty());
+  }
+  const PrefsRecord r = read();
+  EXPECT_EQ(r[0], 1);
+  EXPECT_EQ(r[3], 1);
+  EXPECT_EQ(r[11], 1);
+  EXPECT_EQ(r[13], 1);
+  EXPECT_EQ(r[14], 1);
+  EXPECT_EQ(r[15], 1);
+  EXPECT_EQ(recordWord(r, 163), 3);
+  EXPECT_EQ(recordWord(r, 167), 12);
+  auto app = start();
+  PrefForm& p = app->pref();
+  EXPECT_EQ(p.ChkMlt(5).value, 1);
+  EXPECT_EQ(p.ChkMlt(6).value, 0);
+  EXPECT_EQ(p.ChkMlt(8).value, 1);
+  EXPECT_EQ(p.ChkMlt(16).value, 1);
+  EXPECT_EQ(p.ChkLdFile.value, 1);
+  EXPECT_EQ(p.TxtLdFile.text, "/home/me/set.tvw" + std::string(127 - 16, ' '));
+  EXPECT_EQ(p.workspacePath(), "/home/me/set.tvw");
+  EXPECT_EQ(p.Combo1.index(), 1);
+  EXPECT_EQ(p.Combo2.index(), 1);
+  EXPECT_EQ(p.cmbPerfChnl.index(), 12);
+  EXPECT_EQ(p.Slider1.value, 3);
+}
+
+TEST_F(Prefs, ALongPathIsCutTo127Characters) {
+  auto app = start();
+  app->pref().TxtLdFile.text = std::string(130, 'p');
+  app->pref().SvPrefs();
+  auto again = start();
+  EXPECT_EQ(again->pref().TxtLdFile.text, std::string(127, 'p'));
+}
+
+TEST_F(Prefs, OutOfRangeValuesReadAsZeroAndAnUnknownDeviceAsTheFirst) {
+  PrefsRecord r{};
+  setRecordWord(r, kPrefDensity, 9);
+  setRecordWord(r, kPrefPerfChannel, 16);
+  r[kPrefInDevice] = 7;  // the scripted service has two devices
+  r[kPrefOutDevice] = 200;
+  write(Bytes(r.begin(), r.end()));
+  auto app = start();
+  EXPECT_EQ(app->pref().Slider1.value, 0);
+  EXPECT_EQ(app->pref().cmbPerfChnl.index(), 0);
+  EXPECT_EQ(app->pref().cmbPerfChnl.text(), " 1");
+  EXPECT_EQ(app->pref().Combo1.index(), 0);
+  EXPECT_EQ(app->pref().Combo2.index(), 0);
+  setRecordWord(r, kPrefPerfChannel, -1);
+  write(Bytes(r.begin(), r.end()));
+  EXPECT_EQ(start()->pref().cmbPerfChnl.index(), 0);
+}
+
+TEST_F(Prefs, FilesOfAnyLengthOrContentStartTheProgram) {
+  for (std::size_t length : {0u, 1u, 20u, 168u, 169u, 5000u}) {
+    Bytes junk(length);
+    for (std::size_t i = 0; i < length; ++i) junk[i] = static_cast<std::uint8_t>(i * 37 + 11);
+    write(junk);
+    auto app = start();
+    app->OKButton_Click();
+    app->Timer1_Tick();
+    EXPECT_NE(app->mainForm(), nullptr) << length;
+    EXPECT_GE(std::filesystem::file_size(file.path), 169u);
+  }
+}
+
+TEST_F(Prefs, SavingOverALongerFileKeepsItsTail) {
+  Bytes longer(300, 0x77);
+  std::fill(longer.begin(), longer.begin() + 169, 0);
+  write(longer);
+  auto app = start();
+  app->OKButton_Click();
+  ASSERT_EQ(std::filesystem::file_size(file.path), 300u);
+  std::ifstream in(file.path, std::ios::binary);
+  Bytes all(300);
+  in.read(reinterpret_cast<char*>(all.data()), 300);
+  EXPECT_EQ(all[169], 0x77);
+  EXPECT_EQ(all[299], 0x77);
+  EXPECT_EQ(all[18], ' ');
+}
+
+TEST_F(Prefs, BrowseSetsThePathAndCancelKeepsIt) {
+  auto app = start();
+  app->pref().TxtLdFile.text = "old.tvw";
+  app->pref().CmdBrowse_Click();
+  EXPECT_EQ(app->pref().TxtLdFile.text, "old.tvw");
+  ASSERT_EQ(screen.dialogs.size(), 1u);
+  EXPECT_EQ(screen.dialogs[0].filter, "Tessivo Workspace (*.tvw)|*.tvw");
+  EXPECT_EQ(screen.dialogs[0].filterIndex, 2);
+  EXPECT_EQ(screen.dialogs[0].flags, 4);
+  screen.openAnswers.push_back("/music/live.tvw");
+  app->pref().CmdBrowse_Click();
+  EXPECT_EQ(app->pref().TxtLdFile.text, "/music/live.tvw");
+}
+
+TEST_F(Prefs, OkAfterTheStartOnlySavesAndHides) {
+  auto app = start();
+  app->OKButton_Click();
+  app->Timer1_Tick();
+  events.clear();
+  app->StrtupPref_Click();
+  app->pref().ChkMlt(10).value = 1;
+  app->OKButton_Click();
+  EXPECT_EQ(events, (test::Events{"show frmPref", "hide frmPref"}));
+  EXPECT_EQ(read()[5], 1);
+}
+
+}  // namespace tessivo
