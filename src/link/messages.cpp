@@ -131,7 +131,8 @@ std::vector<Bytes> splitMidiStream(std::span<const std::uint8_t> stream) {
       }
     }
     out.insert(out.end(), realtime.begin(), realtime.end());
-    out.push_back(std::move(msg));
+    // A message whose data bytes stop short is dropped, as a receiver on the wire drops it.
+    if (msg.size() == static_cast<std::size_t>(count) + 1) out.push_back(std::move(msg));
   }
   return out;
 }

@@ -107,7 +107,9 @@ Bytes testNoteOffSequence(std::uint8_t note, std::uint8_t velocity);
 
 // Cuts a stream of MIDI bytes, as a long message may carry several, into whole messages:
 // SysEx from F0 to F7, channel and system messages by their data counts, running status
-// followed. Data bytes with no status before them are dropped.
+// followed. What a receiver on the wire would drop is dropped here too: data bytes with no
+// status before them, and a message whose data stop short (the lone 00 that the program
+// change sequence carries behind its Bank Select LSB).
 std::vector<Bytes> splitMidiStream(std::span<const std::uint8_t> stream);
 
 }  // namespace tessivo

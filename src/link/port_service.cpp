@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 namespace tessivo {
 
@@ -66,7 +67,7 @@ MMRESULT PortMidiService::midiOutOpen(MidiHandle& handle, std::uint32_t device) 
   auto port = outDevices_[device].provider->openOutput(outDevices_[device].index, err);
   if (!port) return err == MMSYSERR_NOERROR ? MMSYSERR_ERROR : err;
   handle = nextHandle_++;
-  outputs_[handle] = Output{device, std::move(port), {}};
+  outputs_[handle] = Output{device, std::move(port)};
   return MMSYSERR_NOERROR;
 }
 
@@ -204,10 +205,11 @@ void PortMidiService::received(MidiHandle in, std::span<const std::uint8_t> mess
 }
 
 bool PortMidiService::sendLocked(Output& out, std::span<const std::uint8_t> message) {
-  const auto now = std::chrono::steady_clock::now();
-  const auto start = std::max(now, out.busyUntil);
   if (!out.port->send(message)) return false;
-  out.busyUntil = start + out.port->wireTime(message.size());
+  // A port with a wire time (the paced instrument) holds the sender until the bytes are out,
+  // as a driver does whose long message returns when it has been sent.
+  const auto wire = out.port->wireTime(message.size());
+  if (wire.count() > 0) std::this_thread::sleep_for(wire);
   return true;
 }
 
@@ -237,17 +239,13 @@ MMRESULT PortMidiService::midiOutUnprepareHeader(MidiHandle out, MidiHdr* hdr, s
   Output* o = output(out);
   if (!o) return MMSYSERR_INVALHANDLE;
   if (!hdr || size < kMidiHdrSize) return MMSYSERR_INVALPARAM;
-  if ((hdr->dwFlags & MHDR_DONE) && std::chrono::steady_clock::now() < o->busyUntil)
-    return MIDIERR_STILLPLAYING;  // the bytes are still going out on the wire
   hdr->dwFlags &= ~MHDR_PREPARED;
   return MMSYSERR_NOERROR;
 }
 
 MMRESULT PortMidiService::midiOutReset(MidiHandle out) {
   std::lock_guard lock(outMutex_);
-  Output* o = output(out);
-  if (!o) return MMSYSERR_INVALHANDLE;
-  o->busyUntil = {};
+  if (!output(out)) return MMSYSERR_INVALHANDLE;
   return MMSYSERR_NOERROR;
 }
 

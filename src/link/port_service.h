@@ -53,7 +53,6 @@ class PortMidiService : public MidiService {
   struct Output {
     std::uint32_t device;
     std::unique_ptr<OutPort> port;
-    std::chrono::steady_clock::time_point busyUntil{};
   };
   struct Input {
     std::uint32_t device;

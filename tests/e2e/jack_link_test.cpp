@@ -130,6 +130,8 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
 
 TEST(JackLink, NoServerMeansNoPortsAndNoCrash) {
   // A server name that nobody runs: the provider lists nothing and opens nothing.
+  const char* previous = ::getenv("JACK_DEFAULT_SERVER");
+  const std::string server = previous ? previous : "";
   ::setenv("JACK_DEFAULT_SERVER", "tessivo-nobody-runs-this", 1);
   EXPECT_FALSE(jackServerRunning());
   RtMidiProvider jack(MidiSystem::Jack);
@@ -138,6 +140,8 @@ TEST(JackLink, NoServerMeansNoPortsAndNoCrash) {
   MMRESULT err = 0;
   EXPECT_EQ(jack.openOutput(0, err), nullptr);
   EXPECT_NE(err, 0u);
+  if (previous) ::setenv("JACK_DEFAULT_SERVER", server.c_str(), 1);
+  else ::unsetenv("JACK_DEFAULT_SERVER");
 }
 
 }  // namespace tessivo

@@ -220,7 +220,7 @@ TEST_F(Service, ThruFromAnotherThreadDoesNotInterleaveWithOwnSends) {
   for (const auto& m : log) EXPECT_TRUE(m.bytes == played || m.bytes.size() == 9u);
 }
 
-TEST_F(Service, APacedInstrumentHoldsTheHeaderForTheWireTime) {
+TEST_F(Service, APacedInstrumentTakesTheWireTimeOfALongMessage) {
   VirtualCs2x paced({.silent = false, .replyLatency = {}, .paced = true});
   VirtualCs2xProvider provider(paced);
   PortMidiService service({&provider});
@@ -235,9 +235,8 @@ TEST_F(Service, APacedInstrumentHoldsTheHeaderForTheWireTime) {
   const auto start = std::chrono::steady_clock::now();
   service.midiOutPrepareHeader(h, &hdr, kMidiHdrSize);
   service.midiOutLongMsg(h, &hdr, kMidiHdrSize);
-  EXPECT_EQ(service.midiOutUnprepareHeader(h, &hdr, kMidiHdrSize), MIDIERR_STILLPLAYING);
-  while (service.midiOutUnprepareHeader(h, &hdr, kMidiHdrSize) != 0) std::this_thread::yield();
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::microseconds(32000));  // 100 bytes at 320 µs
+  EXPECT_EQ(service.midiOutUnprepareHeader(h, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
 }
 
 TEST_F(Service, EveryCodeOfTheVocabularyHasAText) {
