@@ -1,13 +1,18 @@
 #pragma once
-// The main form CS2x on the screen: the menu bar and the twelve Multi rows.
+// The main form CS2x on the screen: the menu bar (File, Retrieve, Midi), the Performance
+// block, the test note and the twelve Multi rows.
 
 #include <QMainWindow>
 #include <array>
 
 #include "shell/main_form.h"
 
+class QAction;
 class QComboBox;
+class QLineEdit;
 class QPushButton;
+class QRadioButton;
+class QWidget;
 
 namespace tessivo::qt {
 
@@ -23,10 +28,32 @@ class MainWindow : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void buildMenus();
+  void buildPerformance(QWidget* central);
+  // A menu entry that runs a handler of the form, then renders.
+  QAction* addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)());
+  QRadioButton* option(QWidget* frame, const char* name, const char* text, int top,
+                       void (Performance::*handler)());
+
   MainForm& form_;
   QtApp& app_;
   std::array<QPushButton*, kMultiRows> cmdMult_{};
   std::array<QComboBox*, kMultiRows> cmbMult_{};
+
+  QRadioButton* optPreset_ = nullptr;
+  QRadioButton* optUser_ = nullptr;
+  QRadioButton* optBank1_ = nullptr;
+  QRadioButton* optBank2_ = nullptr;
+  QComboBox* cmbPrgm_ = nullptr;
+  QPushButton* cmdPrfm_ = nullptr;
+  std::array<QPushButton*, 4> cmdLyr_{};
+  std::array<QLineEdit*, 4> txtLyr_{};
+  QComboBox* cmbMidNtNo_ = nullptr;
+  QComboBox* cmbMidVel_ = nullptr;
+
+  QAction* localOff_ = nullptr;
+  QAction* arpOff_ = nullptr;
+  QAction* trnsChnlAssgn_ = nullptr;
 };
 
 }  // namespace tessivo::qt

@@ -1,13 +1,18 @@
 #pragma once
-// frmPref on the screen: the MIDI device lists and OK. A modeless dialog, so Enter presses
-// OK, its default button.
+// frmPref on the screen: the Multis read at start, the Workspace loaded instead, the MIDI
+// devices, the performance channel, the MIDI file density and OK. A modeless dialog, so Enter
+// presses OK, its default button.
 
 #include <QDialog>
+#include <array>
 
 #include "shell/pref_form.h"
 
+class QCheckBox;
 class QComboBox;
+class QLineEdit;
 class QPushButton;
+class QSlider;
 
 namespace tessivo::qt {
 
@@ -24,10 +29,18 @@ class PrefWindow : public QDialog {
   void reject() override;  // Escape does not close the preferences
 
  private:
+  QCheckBox* checkBox(const QString& name, const QString& text, CheckCtl& ctl);
+
   PrefForm& form_;
   QtApp& app_;
+  std::array<QCheckBox*, 12> chkMlt_{};  // Multi 5..16
+  QCheckBox* chkLdFile_;
+  QLineEdit* txtLdFile_;
+  QPushButton* cmdBrowse_;
   QComboBox* combo1_;
   QComboBox* combo2_;
+  QComboBox* cmbPerfChnl_;
+  QSlider* slider1_;
   QPushButton* ok_;
 };
 

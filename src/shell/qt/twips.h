@@ -1,6 +1,8 @@
 #pragma once
 // The forms' layout is given in twips; at the usual screen setting 15 twips make a pixel.
 
+#include <QLabel>
+#include <algorithm>
 #include <QRect>
 #include <QWidget>
 
@@ -16,6 +18,19 @@ inline void place(QWidget* w, int left, int top, int width, int height) {
 inline void placeLabel(QWidget* w, int left, int top, int width, int height) {
   place(w, left, top, width, height);
   if (w->sizeHint().width() > w->width()) w->resize(w->sizeHint().width(), w->height());
+}
+
+// A word-wrapped label shows every line: where its text takes more lines than its height
+// holds, it first widens (never beyond maxRight, in twips; 0 keeps the width) as far as that
+// saves lines, then grows downwards.
+inline void placeWrapped(QLabel* w, int left, int top, int width, int height, int maxRight = 0) {
+  w->setWordWrap(true);
+  w->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  place(w, left, top, width, height);
+  int best = w->width();
+  for (int x = best + 1; x <= px(maxRight) - w->x() && w->heightForWidth(best) > w->height(); ++x)
+    if (w->heightForWidth(x) < w->heightForWidth(best)) best = x;
+  w->resize(best, std::max(w->height(), w->heightForWidth(best)));
 }
 
 }  // namespace tessivo::qt
