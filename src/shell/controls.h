@@ -67,4 +67,26 @@ class ListCtl {
   int index_ = -1;
 };
 
+// A list box whose items each carry a number of their own (item data).
+struct ListBoxCtl {
+  std::vector<std::string> items;
+  std::vector<int> itemData;
+  int index = -1;
+
+  void addItem(std::string text, int data) {
+    items.push_back(std::move(text));
+    itemData.push_back(data);
+  }
+  void removeItem(int i) {
+    items.erase(items.begin() + i);
+    itemData.erase(itemData.begin() + i);
+    if (index >= static_cast<int>(items.size())) index = static_cast<int>(items.size()) - 1;
+  }
+  void clear() {
+    items.clear();
+    itemData.clear();
+    index = -1;
+  }
+};
+
 }  // namespace tessivo

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "data/multi_template.h"
 #include "data/tables.h"
 
 namespace tessivo {
@@ -12,8 +13,6 @@ constexpr std::array<std::int16_t, 10> kSectionLengths{52, 74, 15, 23, 13, 63, 3
 constexpr std::array<std::int16_t, 8> kRetrieveLengths{56, 56, 56, 56, 37, 63, 34, 20};
 constexpr int kStartNote = 67;
 constexpr int kStartVelocity = 127;
-constexpr std::uint16_t kPoolRecordFree = 256;
-constexpr std::size_t kReceiveChannelAt = 13;  // Multi section 0: the part's receive channel
 constexpr int kAllNotesOffPauseMs = 1000;
 
 std::uint8_t listByte(const ListCtl& list) { return static_cast<std::uint8_t>(std::clamp(list.index(), 0, 127)); }
@@ -35,7 +34,15 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
     : link_(link),
       pref_(pref),
       perf_(link, images_.perf, panel,
-            {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return SSTab2Visible; }, {}}) {
+            {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return SSTab2Visible; }, {}}),
+      pool_(link, images_, LyrTmpl,
+            {[this](int layer) { return panel.TxtLyr[static_cast<std::size_t>(layer - 1)].text; },
+             [this](int multi) { return row(multi).CmdMult.caption; }}),
+      audition_(link, CmbMidNtNo, CmbMidVel, perf_.LyrOnTbl,
+                {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return TrnsChnlAssgnChecked; },
+                 [this] { return SSTab1Visible; }, {}}) {
+  CmbMidNtNo.click = [this] { SldNt.value = Audition::sliderPosition(CmbMidNtNo.index()); };
+  CmbMidVel.click = [this] { SldVel.value = Audition::sliderPosition(CmbMidVel.index()); };
   for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi " + std::to_string(m);
   link_.attachImages(&images_);
   link_.ReqParm = [this] {
@@ -48,11 +55,10 @@ void MainForm::fillStartLists() {
   CmbMidNtNo.addItem(" 0");
   CmbMidVel.addItem(" 0");
   for (int i = 1; i <= 127; ++i) {
-    PoolFree[static_cast<std::size_t>(i)] = kPoolRecordFree;
     CmbMidNtNo.addItem(signedText(i));
     CmbMidVel.addItem(signedText(i));
   }
-  PoolFree[0] = kPoolRecordFree;
+  pool_.freeAll();
   SSTab1Visible = false;
   List1Visible = false;
   for (int ch = 1; ch <= 16; ++ch)
@@ -157,6 +163,14 @@ bool MainForm::Form_Unload() {
   }
   return false;
 }
+
+void MainForm::DragDrop(const std::string& target, const std::string& source) {
+  AllNtsOffSnd();  // ends the test note of a Multi drag, and any other
+  if (target == "LbxLyrPool") pool_.Drop(source);
+}
+
+void MainForm::SldNt_Scroll() { CmbMidNtNo.setIndex(Audition::listIndex(SldNt.value)); }
+void MainForm::SldVel_Scroll() { CmbMidVel.setIndex(Audition::listIndex(SldVel.value)); }
 
 void MainForm::RtrvPerf_Click() { perf_.DspPerf(); }
 

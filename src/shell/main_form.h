@@ -7,8 +7,11 @@
 #include <optional>
 
 #include "data/images.h"
+#include "data/multi_template.h"
 #include "link/midi_link.h"
+#include "perform/audition.h"
 #include "perform/performance.h"
+#include "pool/layer_pool.h"
 #include "shell/controls.h"
 #include "shell/pref_form.h"
 
@@ -40,6 +43,16 @@ class MainForm {
   const MultiRow& row(int multi) const { return rows_[static_cast<std::size_t>(multi - kFirstMulti)]; }
   Images& images() { return images_; }
   Performance& performance() { return perf_; }
+  LayerPool& pool() { return pool_; }
+  Audition& audition() { return audition_; }
+
+  // A drop on one of the form's controls (`target` its name) of a drag from `source` (the
+  // source control's name, empty for another program's drag). Every drop first stops all
+  // notes; the Layer Pool takes Layers and Multis.
+  void DragDrop(const std::string& target, const std::string& source);
+  // Sliders beside the test note lists: a move sets the list (position = 127 - index).
+  void SldNt_Scroll();
+  void SldVel_Scroll();
 
   // Runs once, from the start timer, while the splash stands on the screen.
   void Form_Loadx();
@@ -71,9 +84,10 @@ class MainForm {
 
   PerfPanel panel;                // the Performance block
   ListCtl CmbMidNtNo, CmbMidVel;  // the test note and its velocity
+  SliderCtl SldNt{60, 0, 127}, SldVel{0, 0, 127};
   ListCtl CmbRvrb, CmbChrs, CmbVar;  // effect types of the effects panel
   bool SSTab1Visible = true, SSTab2Visible = false, List1Visible = true;
-  std::array<std::uint16_t, 129> PoolFree{};  // 256 free, 0 in use
+  LyrTemplate LyrTmpl;
 
  private:
   void fillStartLists();
@@ -85,6 +99,8 @@ class MainForm {
   PrefForm& pref_;
   Images images_;
   Performance perf_;
+  LayerPool pool_;
+  Audition audition_;
   std::array<MultiRow, kMultiRows> rows_;
 };
 

@@ -104,7 +104,9 @@ TEST_F(Startup, TheMainFormIsFilledForItsFirstShowing) {
   EXPECT_EQ(form.CmbMidVel.index(), 127);
   EXPECT_FALSE(form.SSTab1Visible);
   EXPECT_FALSE(form.List1Visible);
-  EXPECT_TRUE(std::all_of(form.PoolFree.begin(), form.PoolFree.begin() + 128, [](auto f) { return f == 256; }));
+  EXPECT_TRUE(std::all_of(form.pool().PoolFree.begin(), form.pool().PoolFree.begin() + 128, [](auto f) { return f == 256; }));
+  EXPECT_EQ(form.SldNt.value, 60);
+  EXPECT_EQ(form.SldVel.value, 0);
   const std::int16_t sctn[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56, 0};
   for (int i = 0; i < 11; ++i) EXPECT_EQ(app.link().SctnLen[static_cast<std::size_t>(i)], sctn[i]) << i;
   const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};

@@ -1,0 +1,170 @@
+// How much time the program adds to reading the instrument. A start-up reads the Performance
+// twice (16 blocks) against the virtual CS2x paced at the MIDI wire rate. Each block is timed
+// at four points: its start, the request reaching the port, the reply leaving the port for the
+// program, and its end. What lies between the middle two is the instrument's (wire time of
+// request and reply at 320 µs a byte, its latency); the rest is what the program adds. The same
+// run with a 5 ms polling wait shows what waking on the reply saves.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <numeric>
+#include <thread>
+#include <vector>
+
+#include "data/images.h"
+#include "instrument/virtual_cs2x.h"
+#include "link/midi_link.h"
+#include "link/port_service.h"
+#include "perform/performance.h"
+
+using namespace tessivo;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+class QuietScreen : public Screen {
+ public:
+  int boxes = 0;
+  MsgAnswer messageBox(const std::string&, const std::string&, MsgButtons, MsgIcon) override {
+    ++boxes;
+    return MsgAnswer::Ok;
+  }
+  void createForm(FormId) override {}
+  void showForm(FormId) override {}
+  void hideForm(FormId) override {}
+  void unloadForm(FormId) override {}
+  void setBusy(bool) override {}
+  void startTimer(int) override {}
+  bool showOpen(FileDialog&) override { return false; }
+};
+
+// Ports that note when a request goes out and when a reply comes in.
+struct Stamps {
+  std::atomic<Clock::rep> requestOut{0}, replyIn{0};
+};
+
+class StampedIn : public InPort {
+ public:
+  StampedIn(std::unique_ptr<InPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
+  void setSink(Sink sink) override {
+    if (!sink) return inner_->setSink(nullptr);
+    inner_->setSink([this, sink](std::span<const std::uint8_t> m) {
+      stamps_.replyIn = Clock::now().time_since_epoch().count();
+      sink(m);
+    });
+  }
+  void stateChanged(bool started, bool thru) override { inner_->stateChanged(started, thru); }
+
+ private:
+  std::unique_ptr<InPort> inner_;
+  Stamps& stamps_;
+};
+
+class StampedOut : public OutPort {
+ public:
+  StampedOut(std::unique_ptr<OutPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
+  bool send(std::span<const std::uint8_t> m) override {
+    stamps_.requestOut = Clock::now().time_since_epoch().count();
+    return inner_->send(m);
+  }
+  std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
+
+ private:
+  std::unique_ptr<OutPort> inner_;
+  Stamps& stamps_;
+};
+
+class StampedProvider : public PortProvider {
+ public:
+  StampedProvider(PortProvider& inner, Stamps& stamps) : inner_(inner), stamps_(stamps) {}
+  std::vector<std::string> inputNames() override { return inner_.inputNames(); }
+  std::vector<std::string> outputNames() override { return inner_.outputNames(); }
+  std::unique_ptr<InPort> openInput(std::size_t i, MMRESULT& e) override {
+    auto p = inner_.openInput(i, e);
+    return p ? std::make_unique<StampedIn>(std::move(p), stamps_) : nullptr;
+  }
+  std::unique_ptr<OutPort> openOutput(std::size_t i, MMRESULT& e) override {
+    auto p = inner_.openOutput(i, e);
+    return p ? std::make_unique<StampedOut>(std::move(p), stamps_) : nullptr;
+  }
+
+ private:
+  PortProvider& inner_;
+  Stamps& stamps_;
+};
+
+struct Result {
+  std::vector<double> overheadUs;  // per block
+  double totalMs = 0, instrumentMs = 0;
+  int boxes = 0;
+};
+
+Result run(std::chrono::microseconds latency, bool polling, int rounds) {
+  VirtualCs2x cs2x({.silent = false, .replyLatency = latency, .paced = true});
+  VirtualCs2xProvider builtIn(cs2x);
+  Stamps stamps;
+  StampedProvider provider(builtIn, stamps);
+  PortMidiService midi({&provider});
+  QuietScreen screen;
+  // The polling variant waits its full 5 ms between looks at the flag.
+  SleepFn sleep;
+  if (polling) sleep = [](int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); };
+  MidiLink link(midi, screen, sleep);
+  Images images;
+  link.attachImages(&images);
+  const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
+  for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+  midi.midiOutOpen(link.MidiOutHnd, 0);
+  midi.midiInOpen(link.MidiInHnd, 0, &MidiLink::MidiInCB, link.callbackInstance(), CALLBACK_FUNCTION);
+  link.LoadingFlag = -1;  // as during the start: no thru between blocks
+
+  Result result;
+  const auto at = [](Clock::rep ticks) { return Clock::time_point(Clock::duration(ticks)); };
+  for (int round = 0; round < rounds; ++round) {
+    for (int pass = 0; pass < 2; ++pass) {  // a start reads the Performance twice
+      for (const PerfBlock& block : kPerfBlocks) {
+        const auto t0 = Clock::now();
+        link.RtrvBlock(block.kind, 0, 0);
+        const auto t3 = Clock::now();
+        const double us = std::chrono::duration<double, std::micro>(t3 - t0).count();
+        const double own =
+            std::chrono::duration<double, std::micro>(at(stamps.replyIn.load()) - at(stamps.requestOut.load())).count();
+        result.overheadUs.push_back(us - own);
+        result.totalMs += us / 1000.0;
+        result.instrumentMs += own / 1000.0;
+      }
+    }
+  }
+  result.boxes = screen.boxes;
+  midi.midiInClose(link.MidiInHnd);
+  midi.midiOutClose(link.MidiOutHnd);
+  return result;
+}
+
+double percentile(std::vector<double> v, double p) {
+  std::sort(v.begin(), v.end());
+  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
+}
+
+void report(const char* name, const Result& r, int rounds) {
+  const double mean = std::accumulate(r.overheadUs.begin(), r.overheadUs.end(), 0.0) / static_cast<double>(r.overheadUs.size());
+  std::printf("%-28s %8.3f %8.3f %8.3f %10.1f %10.1f %10.2f\n", name, percentile(r.overheadUs, 0.5) / 1000.0,
+              percentile(r.overheadUs, 0.9) / 1000.0, mean / 1000.0, r.totalMs / rounds, r.instrumentMs / rounds,
+              (r.totalMs - r.instrumentMs) / rounds);
+  if (r.boxes) std::printf("  (%d message boxes: something failed)\n", r.boxes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10;
+  std::printf("Start-up retrieval (16 blocks) against the virtual CS2x at 31,250 baud, %d runs\n", rounds);
+  std::printf("%-28s %8s %8s %8s %10s %10s %10s\n", "", "med ms", "p90 ms", "mean ms", "start ms", "instr ms",
+              "added ms");
+  std::printf("%-28s %8s %8s %8s %10s %10s %10s\n", "", "(added per block)", "", "", "(whole start)", "", "");
+  report("wake on reply, 0 latency", run(std::chrono::microseconds(0), false, rounds), rounds);
+  report("wake on reply, 2 ms latency", run(std::chrono::microseconds(2000), false, rounds), rounds);
+  report("5 ms polling, 0 latency", run(std::chrono::microseconds(0), true, rounds), rounds);
+  return 0;
+}

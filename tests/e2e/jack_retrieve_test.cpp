@@ -1,0 +1,132 @@
+// End to end over JACK: the program's RtMidi ports read a whole Performance and a Multi from
+// the virtual CS2x running as its own program behind JACK ports.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <thread>
+
+#include "data/images.h"
+#include "link/port_service.h"
+#include "link/rtmidi_ports.h"
+#include "perform/performance.h"
+#include "support/scripted.h"
+
+extern char** environ;
+
+namespace tessivo {
+
+namespace {
+// The virtual CS2x tool as a child process; it says "ready" once its ports are open.
+class InstrumentProcess {
+ public:
+  explicit InstrumentProcess(const std::string& name) {
+    int out[2];
+    if (pipe(out) != 0) return;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, out[0]);
+    std::string tool = VIRTUAL_CS2X_TOOL;
+    std::vector<char*> argv{tool.data(), const_cast<char*>("--jack"), const_cast<char*>("--name"),
+                            const_cast<char*>(name.c_str()), nullptr};
+    if (posix_spawn(&pid_, tool.c_str(), &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
+    posix_spawn_file_actions_destroy(&actions);
+    close(out[1]);
+    stdout_ = fdopen(out[0], "r");
+  }
+  ~InstrumentProcess() {
+    if (pid_ > 0) {
+      kill(pid_, SIGTERM);
+      int status = 0;
+      waitpid(pid_, &status, 0);
+    }
+    if (stdout_) fclose(stdout_);
+  }
+  bool waitReady() {
+    if (pid_ <= 0 || !stdout_) return false;
+    char line[256];
+    while (fgets(line, sizeof line, stdout_))
+      if (std::string(line).rfind("ready", 0) == 0) return true;
+    return false;
+  }
+
+ private:
+  pid_t pid_ = -1;
+  FILE* stdout_ = nullptr;
+};
+
+std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
+  const std::uint32_t n = input ? midi.midiInGetNumDevs() : midi.midiOutGetNumDevs();
+  for (std::uint32_t d = 0; d < n; ++d) {
+    std::string name;
+    if (input) midi.midiInGetDevCaps(d, name);
+    else midi.midiOutGetDevCaps(d, name);
+    if (name.find(part) != std::string::npos) return static_cast<std::int32_t>(d);
+  }
+  return -1;
+}
+}  // namespace
+
+TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
+  ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
+  InstrumentProcess instrument("E2E-CS2x");
+  ASSERT_TRUE(instrument.waitReady());
+
+  RtMidiProvider jack(MidiSystem::Jack);
+  PortMidiService midi({&jack});
+  test::Events events;
+  test::ScriptedScreen screen(events);
+  MidiLink link(midi, screen);
+  Images images;
+  link.attachImages(&images);
+  const std::int16_t sctn[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
+  for (int i = 0; i < 10; ++i) link.SctnLen[static_cast<std::size_t>(i)] = sctn[i];
+  const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
+  for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+  PerfPanel panel;
+  Performance perf(link, images.perf, panel, {[] { return 2; }, [] { return false; }, {}});
+
+  const std::int32_t outDev = deviceNamed(midi, false, "E2E-CS2x In");
+  const std::int32_t inDev = deviceNamed(midi, true, "E2E-CS2x Out");
+  ASSERT_GE(outDev, 0);
+  ASSERT_GE(inDev, 0);
+  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
+  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
+                            link.callbackInstance(), CALLBACK_FUNCTION),
+            MMSYSERR_NOERROR);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));  // JACK finishes the connections
+
+  const auto t0 = std::chrono::steady_clock::now();
+  panel.CmbPrgm.addItem("x");
+  perf.OptPreset_Click();
+  panel.CmbPrgm.pick(1);  // Preset 1, program 1
+  const auto elapsed = std::chrono::steady_clock::now() - t0;
+  EXPECT_TRUE(screen.boxes.empty());
+  EXPECT_EQ(panel.CmdPrfm.caption, "I'mReady");
+  EXPECT_EQ(link.List1.size(), 63u + 34 + 20 + 4 * 56 + 37);  // every block came whole
+  const auto com1 = images.perf.Com1();
+  EXPECT_EQ(com1[0], 0xF0);
+  EXPECT_EQ(com1[62], 0xF7);
+  EXPECT_EQ(com1[61], SyxChksum(std::span<const std::uint8_t>(com1.data(), 63)));
+  EXPECT_EQ(images.perf.Com0()[PerfImage::kPerfChannelAt], 2);
+  // Prompt replies: far below the two seconds a missing one would cost each of the eight blocks.
+  EXPECT_LT(elapsed, std::chrono::seconds(4));
+
+  link.RtrvMlt(5);
+  EXPECT_EQ(images.multi.section(4, 1)[0], 0xF0);
+  EXPECT_EQ(images.multi.section(4, 1)[73], 0xF7);
+  EXPECT_EQ(images.multi.section(4, 4)[12], 0xF7);
+  EXPECT_TRUE(screen.boxes.empty());
+
+  midi.midiInStop(link.MidiInHnd);
+  midi.midiInClose(link.MidiInHnd);
+  midi.midiOutClose(link.MidiOutHnd);
+}
+
+}  // namespace tessivo
