@@ -113,8 +113,7 @@ Result run(std::chrono::microseconds latency, bool polling, int rounds) {
   MidiLink link(midi, screen, sleep);
   Images images;
   link.attachImages(&images);
-  const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
-  for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+  link.setLengthTables();
   midi.midiOutOpen(link.MidiOutHnd, 0);
   midi.midiInOpen(link.MidiInHnd, 0, &MidiLink::MidiInCB, link.callbackInstance(), CALLBACK_FUNCTION);
   link.LoadingFlag = -1;  // as during the start: no thru between blocks

@@ -90,6 +90,11 @@ inline constexpr std::array<MultiSection, 5> kMultiSections{{
     {0x08, 0x74, 23},
     {0x0A, 0x20, 13},
 }};
+// The message length tables as the start sets them. SctnLen: Multi sections 0..4, then 5 Com1,
+// 6 Com2, 7 Com3, 8 Com0, 9 a Layer (index 10 stays 0). RtrvLen: Layers 0..3, 4 Com0, 5..7 Com1..3.
+inline constexpr std::array<std::int16_t, 10> kSctnLenAtStart{52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
+inline constexpr std::array<std::int16_t, 8> kRtrvLenAtStart{56, 56, 56, 56, 37, 63, 34, 20};
+
 // Dump request of section s of the part numbered `part` (1-based: M5 is 5).
 Bytes multiSectionRequest(std::int16_t part, std::int16_t section);
 

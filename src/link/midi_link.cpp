@@ -12,6 +12,11 @@ namespace tessivo {
 MidiLink::MidiLink(MidiService& midi, Screen& screen, SleepFn sleep)
     : midi_(midi), screen_(screen), sleep_(std::move(sleep)) {}
 
+void MidiLink::setLengthTables() {
+  std::copy(kSctnLenAtStart.begin(), kSctnLenAtStart.end(), SctnLen.begin());
+  std::copy(kRtrvLenAtStart.begin(), kRtrvLenAtStart.end(), RtrvLen.begin());
+}
+
 void MidiLink::sleep(int milliseconds) {
   if (sleep_) sleep_(milliseconds);
   else std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));

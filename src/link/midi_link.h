@@ -96,6 +96,9 @@ class MidiLink {
   std::array<std::int16_t, 8> RtrvLen{};
   std::array<std::uint8_t, 129> SndBuf{};  // Mode 2 source, filled by the caller
 
+  // SctnLen and RtrvLen as the start sets them.
+  void setLengthTables();
+
   // The images that blocks fill and Mode 1 reads; none until attached.
   void attachImages(BlockStore* images) { images_ = images; }
 

@@ -9,8 +9,6 @@
 namespace tessivo {
 
 namespace {
-constexpr std::array<std::int16_t, 10> kSectionLengths{52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
-constexpr std::array<std::int16_t, 8> kRetrieveLengths{56, 56, 56, 56, 37, 63, 34, 20};
 constexpr int kStartNote = 67;
 constexpr int kStartVelocity = 127;
 constexpr int kAllNotesOffPauseMs = 1000;
@@ -66,8 +64,7 @@ void MainForm::fillStartLists() {
   // Receive channels at start: M5..M8 on 1, M9..M12 on 5, M13..M16 on 9.
   for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmbMult.setIndex(((m - kFirstMulti) / 4) * 4);
   for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi Part M" + std::to_string(m);
-  for (std::size_t i = 0; i < kSectionLengths.size(); ++i) link_.SctnLen[i] = kSectionLengths[i];
-  for (std::size_t i = 0; i < kRetrieveLengths.size(); ++i) link_.RtrvLen[i] = kRetrieveLengths[i];
+  link_.setLengthTables();
   CmbMidNtNo.setIndex(kStartNote);
   CmbMidVel.setIndex(kStartVelocity);
 }

@@ -49,16 +49,6 @@ class Peer {
   std::vector<Bytes> got_;
 };
 
-std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
-  const std::uint32_t n = input ? midi.midiInGetNumDevs() : midi.midiOutGetNumDevs();
-  for (std::uint32_t d = 0; d < n; ++d) {
-    std::string name;
-    if (input) midi.midiInGetDevCaps(d, name);
-    else midi.midiOutGetDevCaps(d, name);
-    if (name.find(part) != std::string::npos) return static_cast<std::int32_t>(d);
-  }
-  return -1;
-}
 }  // namespace
 
 TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
@@ -73,8 +63,8 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   test::ScriptedScreen screen(events);
   MidiLink link(midi, screen);
 
-  const std::int32_t inDev = deviceNamed(midi, true, "to-tessivo");
-  const std::int32_t outDev = deviceNamed(midi, false, "from-tessivo");
+  const std::int32_t inDev = test::deviceNamed(midi, true, "to-tessivo");
+  const std::int32_t outDev = test::deviceNamed(midi, false, "from-tessivo");
   ASSERT_GT(inDev, 0);
   ASSERT_GT(outDev, 0);
   ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);

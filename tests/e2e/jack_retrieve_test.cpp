@@ -61,16 +61,6 @@ class InstrumentProcess {
   FILE* stdout_ = nullptr;
 };
 
-std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
-  const std::uint32_t n = input ? midi.midiInGetNumDevs() : midi.midiOutGetNumDevs();
-  for (std::uint32_t d = 0; d < n; ++d) {
-    std::string name;
-    if (input) midi.midiInGetDevCaps(d, name);
-    else midi.midiOutGetDevCaps(d, name);
-    if (name.find(part) != std::string::npos) return static_cast<std::int32_t>(d);
-  }
-  return -1;
-}
 }  // namespace
 
 TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
@@ -85,15 +75,12 @@ TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   MidiLink link(midi, screen);
   Images images;
   link.attachImages(&images);
-  const std::int16_t sctn[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
-  for (int i = 0; i < 10; ++i) link.SctnLen[static_cast<std::size_t>(i)] = sctn[i];
-  const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
-  for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+  link.setLengthTables();
   PerfPanel panel;
   Performance perf(link, images.perf, panel, {[] { return 2; }, [] { return false; }, {}});
 
-  const std::int32_t outDev = deviceNamed(midi, false, "E2E-CS2x In");
-  const std::int32_t inDev = deviceNamed(midi, true, "E2E-CS2x Out");
+  const std::int32_t outDev = test::deviceNamed(midi, false, "E2E-CS2x In");
+  const std::int32_t inDev = test::deviceNamed(midi, true, "E2E-CS2x Out");
   ASSERT_GE(outDev, 0);
   ASSERT_GE(inDev, 0);
   ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);

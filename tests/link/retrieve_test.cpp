@@ -21,10 +21,7 @@ class Retrieve : public ::testing::Test {
   Images images;
 
   void SetUp() override {
-    const std::int16_t sctn[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
-    for (int i = 0; i < 10; ++i) link.SctnLen[static_cast<std::size_t>(i)] = sctn[i];
-    const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
-    for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+    link.setLengthTables();
     link.attachImages(&images);
     link.MidiOutHnd = 0x0B;
     MidiHandle in = 0;

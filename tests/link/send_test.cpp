@@ -22,8 +22,7 @@ class SendPath : public ::testing::Test {
   Images images;
 
   void SetUp() override {
-    const std::int16_t lengths[] = {52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
-    for (int i = 0; i < 10; ++i) link.SctnLen[static_cast<std::size_t>(i)] = lengths[i];
+    link.setLengthTables();
     link.attachImages(&images);
     link.MidiOutHnd = 0x0B;
     link.MidiInHnd = 0x0A;

@@ -8,21 +8,12 @@
 namespace tessivo {
 using test::hex;
 
-class Auditioning : public ::testing::Test {
+class Auditioning : public ::testing::Test, protected test::ScriptedProgram {
  protected:
-  test::Events events;
-  test::ScriptedMidi midi{events};
-  test::ScriptedScreen screen{events};
-  App app{midi, screen, [](int) {}};
-  test::TempFile prefs;
   MainForm* form = nullptr;
 
   void SetUp() override {
-    app.pref().prefsPath = prefs.path;
-    app.Main();
-    app.OKButton_Click();
-    app.Timer1_Tick();
-    form = app.mainForm();
+    form = &start();
     midi.sent.clear();
   }
 };

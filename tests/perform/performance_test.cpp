@@ -26,8 +26,7 @@ class Selection : public ::testing::Test {
   std::string name = "Trancy  ";
 
   void SetUp() override {
-    const std::int16_t rtrv[] = {56, 56, 56, 56, 37, 63, 34, 20};
-    for (int i = 0; i < 8; ++i) link.RtrvLen[static_cast<std::size_t>(i)] = rtrv[i];
+    link.setLengthTables();
     link.attachImages(&images);
     link.MidiOutHnd = 0x0B;
     MidiHandle in = 0;

@@ -8,22 +8,13 @@
 namespace tessivo {
 using test::hex;
 
-class Pooling : public ::testing::Test {
+class Pooling : public ::testing::Test, protected test::ScriptedProgram {
  protected:
-  test::Events events;
-  test::ScriptedMidi midi{events};
-  test::ScriptedScreen screen{events};
-  App app{midi, screen, [](int) {}};
-  test::TempFile prefs;
   MainForm* form = nullptr;
   LayerPool* pool = nullptr;
 
   void SetUp() override {
-    app.pref().prefsPath = prefs.path;
-    app.Main();
-    app.OKButton_Click();
-    app.Timer1_Tick();
-    form = app.mainForm();
+    form = &start();
     pool = &form->pool();
     // A Performance with a name and an open Layer 2 whose volume is 101.
     form->panel.TxtLyr[1].text = "SweepPd B";

@@ -8,22 +8,12 @@
 namespace tessivo {
 using test::hex;
 
-class Commands : public ::testing::Test {
+class Commands : public ::testing::Test, protected test::ScriptedProgram {
  protected:
-  test::Events events;
-  test::ScriptedMidi midi{events};
-  test::ScriptedScreen screen{events};
-  std::vector<int> sleeps;
-  App app{midi, screen, [this](int ms) { sleeps.push_back(ms); }};
-  test::TempFile prefs;
   MainForm* form = nullptr;
 
   void SetUp() override {
-    app.pref().prefsPath = prefs.path;
-    app.Main();
-    app.OKButton_Click();
-    app.Timer1_Tick();
-    form = app.mainForm();
+    form = &start();
     events.clear();
     midi.sent.clear();
     sleeps.clear();

@@ -31,6 +31,28 @@ TempFile::~TempFile() {
   std::filesystem::remove(path, ec);
 }
 
+ScriptedProgram::ScriptedProgram() : app(midi, screen, [this](int ms) { sleeps.push_back(ms); }) {
+  app.pref().prefsPath = prefs.path;
+}
+
+MainForm& ScriptedProgram::start() {
+  app.Main();
+  app.OKButton_Click();
+  app.Timer1_Tick();
+  return *app.mainForm();
+}
+
+std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
+  const std::uint32_t n = input ? midi.midiInGetNumDevs() : midi.midiOutGetNumDevs();
+  for (std::uint32_t d = 0; d < n; ++d) {
+    std::string name;
+    if (input) midi.midiInGetDevCaps(d, name);
+    else midi.midiOutGetDevCaps(d, name);
+    if (name.find(part) != std::string::npos) return static_cast<std::int32_t>(d);
+  }
+  return -1;
+}
+
 const char* formName(FormId form) {
   switch (form) {
     case FormId::Pref: return "frmPref";

@@ -13,6 +13,7 @@
 #include "link/messages.h"
 #include "link/midi_service.h"
 #include "link/screen.h"
+#include "shell/app.h"
 
 namespace tessivo::test {
 
@@ -108,6 +109,23 @@ struct TempFile {
   ~TempFile();
   std::string path;
 };
+
+// The program started against the scripted service and screen as far as its main form:
+// preferences from a temporary file, OK, the timer's tick. Waits are counted, not slept.
+struct ScriptedProgram {
+  ScriptedProgram();
+  MainForm& start();  // Main, OK and the tick; the main form afterwards
+
+  Events events;
+  ScriptedMidi midi{events};
+  ScriptedScreen screen{events};
+  std::vector<int> sleeps;
+  App app;
+  TempFile prefs;
+};
+
+// The device whose name holds `part`, or -1.
+std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part);
 
 const char* formName(FormId form);
 std::string hex(const Bytes& bytes);  // "F0 43 10 .." for readable failures

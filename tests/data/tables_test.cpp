@@ -1,0 +1,64 @@
+// The tables of names and values: EQ frequency texts, effect type look-up, and the lists that
+// the start fills from them.
+#include <gtest/gtest.h>
+
+#include "data/tables.h"
+#include "shell/app.h"
+#include "support/scripted.h"
+
+namespace tessivo {
+
+TEST(Tables, FrequencyCodesGiveSevenCharacterTextsAndErrOutside) {
+  EXPECT_EQ(HzText(4), "  32 Hz");
+  EXPECT_EQ(HzText(12), "  80 Hz");
+  EXPECT_EQ(HzText(33), " 900 Hz");
+  EXPECT_EQ(HzText(34), " 1.0KHz");
+  EXPECT_EQ(HzText(54), "10.0KHz");
+  EXPECT_EQ(HzText(58), "16.0KHz");
+  EXPECT_EQ(HzText(3), "ERR");
+  EXPECT_EQ(HzText(59), "ERR");
+  EXPECT_EQ(HzText(-1), "ERR");
+  for (std::int16_t code = 4; code <= 58; ++code) EXPECT_EQ(HzText(code).size(), 7u) << code;
+}
+
+TEST(Tables, EffectTypesAreFoundByTheirTwoBytesInTheirOwnTable) {
+  int row = -1;
+  ASSERT_NE(findEffectType(RvrbTbl, 0x00, 0x00, &row), nullptr);
+  EXPECT_EQ(row, 0);
+  EXPECT_EQ(findEffectType(ChrsTbl, 0x00, 0x00)->name, "NO EFFECT       ");
+  EXPECT_EQ(findEffectType(VarTbl, 0x00, 0x00)->name.size(), 24u);
+  // The same bytes stand in two tables; the table tells them apart.
+  findEffectType(VarTbl, 0x41, 0x00, &row);
+  EXPECT_EQ(row, 24);
+  findEffectType(ChrsTbl, 0x41, 0x00, &row);
+  EXPECT_EQ(row, 1);
+  EXPECT_EQ(findEffectType(RvrbTbl, 0x41, 0x00), nullptr);
+  EXPECT_EQ(findEffectType(VarTbl, 0x11, 0x00)->name.substr(0, 7), "TUNNNEL");  // as the table spells it
+  findEffectType(VarTbl, 0x40, 0x00, &row);
+  EXPECT_EQ(row, 63);
+}
+
+TEST(Tables, PresetNamesAreEightCharactersPaddedWithBlanks) {
+  EXPECT_EQ(PrfNames1[0], "Ministry");
+  EXPECT_EQ(PrfNames1[127], "FunkyHit");
+  EXPECT_EQ(PrfNames2[0], "Concert ");
+  EXPECT_EQ(PrfNames2[127], "Session ");
+  for (auto n : PrfNames1) EXPECT_EQ(n.size(), 8u);
+  for (auto n : PrfNames2) EXPECT_EQ(n.size(), 8u);
+}
+
+TEST(Tables, TheStartFillsTheEffectAndProgramListsInRowOrder) {
+  test::ScriptedProgram program;
+  MainForm& form = program.start();
+  ASSERT_EQ(form.CmbRvrb.items.size(), 13u);
+  ASSERT_EQ(form.CmbChrs.items.size(), 15u);
+  ASSERT_EQ(form.CmbVar.items.size(), 64u);
+  EXPECT_EQ(form.CmbRvrb.items[12], "BASEMENT    ");
+  EXPECT_EQ(form.CmbChrs.items[13], "ENSEMBLE DETUNE ");
+  EXPECT_EQ(form.CmbVar.items[63], std::string("THRU") + std::string(20, ' '));
+  ASSERT_EQ(form.panel.CmbPrgm.items.size(), 128u);
+  EXPECT_EQ(form.panel.CmbPrgm.items[35], "Insomnia");
+  EXPECT_EQ(form.panel.CmbPrgm.index(), 0);
+}
+
+}  // namespace tessivo
