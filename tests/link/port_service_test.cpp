@@ -186,6 +186,30 @@ TEST_F(Service, AStoppedInputLetsNothingInAndResetReturnsTheBufferEmpty) {
   EXPECT_EQ(midi.midiInClose(in), MMSYSERR_NOERROR);
 }
 
+TEST_F(Service, AnyBytesArrivingAtTheInputAreTakenWithinTheBuffer) {
+  open();
+  std::uint32_t seed = 12345;
+  auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
+  for (int round = 0; round < 500; ++round) {
+    std::uint8_t buffer[129]{};
+    MidiHdr hdr;
+    hdr.lpData = buffer;
+    hdr.dwBufferLength = 128;
+    midi.midiInPrepareHeader(in, &hdr, kMidiHdrSize);
+    midi.midiInAddBuffer(in, &hdr, kMidiHdrSize);
+    midi.midiInStart(in);
+    Bytes junk(next() % 300);
+    for (auto& b : junk) b = static_cast<std::uint8_t>(next() >> 16);
+    if (round % 2 && !junk.empty()) junk[0] = 0xF0;  // half of them look like SysEx
+    cs2x.transmit(junk);
+    midi.midiInStop(in);
+    midi.midiInReset(in);
+    ASSERT_EQ(midi.midiInUnprepareHeader(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
+    ASSERT_LE(hdr.dwBytesRecorded, 128u);
+    ASSERT_EQ(buffer[128], 0);
+  }
+}
+
 TEST_F(Service, ThruPassesInputToOutputOnlyWhileConnectedAndStarted) {
   open();
   const Bytes note{0x90, 0x3C, 0x64};

@@ -102,6 +102,23 @@ TEST_F(StartAgainstInstrument, ChoosingAProgramChangesTheInstrumentsPerformance)
   EXPECT_TRUE(screen.boxes.empty());
 }
 
+TEST_F(StartAgainstInstrument, NoGestureLeavesANoteSoundingAfterTheNextDrop) {
+  start(0);
+  MainForm& form = *app.mainForm();
+  form.audition().CmdMult_Press(9, form.row(9).CmbMult.index());
+  form.audition().CmdMult_Press(13, form.row(13).CmbMult.index());
+  form.audition().CmdPrfm_Press();  // a release that never came
+  EXPECT_EQ(cs2x.soundingNotes().size(), 3u);
+  form.DragDrop("CmdLyr2", "CmdMult9");  // dropped on a plain target
+  EXPECT_TRUE(cs2x.soundingNotes().empty());
+  form.audition().CmdLyr_Press(1);
+  form.audition().CmdLyr_Release(1);
+  EXPECT_TRUE(cs2x.soundingNotes().empty());
+  // The auditioned Layer's siblings come back as they were read.
+  for (int layer = 2; layer <= 4; ++layer)
+    EXPECT_EQ(cs2x.layerSwitch(layer), form.performance().LyrOnTbl[static_cast<std::size_t>(layer)]) << layer;
+}
+
 TEST(StartSilent, ASilentInstrumentGivesZeroBlocksAndNoBox) {
   test::Events events;
   test::ScriptedScreen screen{events};
