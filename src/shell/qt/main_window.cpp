@@ -2,14 +2,18 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDropEvent>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QSlider>
 
+#include "shell/qt/gestures.h"
 #include "shell/qt/qt_app.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -27,6 +31,12 @@ constexpr const char* kNoteTip =
     "Click to choose note that is played when a Performance, Layer, or Multi button is clicked.";
 constexpr const char* kVelocityTip =
     "Click to choose velocity of note that is played when a Performance, Layer, or Multi button is clicked.";
+constexpr const char* kNoteSliderTip =
+    "Choose note that is played when a Performance, Layer, or Multi button is clicked.";
+constexpr const char* kVelocitySliderTip =
+    "Choose velocity of note that is played when a Performance, Layer, or Multi button is clicked.";
+constexpr const char* kPoolTip = "Drag and drop a layer onto one of the Multi Part buttons.";
+constexpr const char* kClearPoolTip = "Click to remove all entries from layer pool.";
 
 QLabel* label(QWidget* parent, const char* name, const char* text, int left, int top, int width, int height) {
   auto* l = new QLabel(text, parent);
@@ -52,16 +62,40 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   setCentralWidget(central);
 
   buildPerformance(central);
+  buildTestNote(central);
+  buildPool(central);
+  buildMultiRows(central);
+  acceptDrops();
+  render();
+}
 
+void MainWindow::handled() {
+  render();
+  app_.afterHandler();
+}
+
+void MainWindow::buildMultiRows(QWidget* central) {
   label(central, "Labelx1_54", "Midi Chan", 7440, 1080, 615, 375);
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
     const int i = m - kFirstMulti;
     const int top = 1560 + 480 * i;
     auto* button = new QPushButton(central);
-    button->setObjectName(QString("CmdMult%1").arg(m));
+    const QString name = QString("CmdMult%1").arg(m);
+    button->setObjectName(name);
     button->setToolTip(kMultiButtonTip);
     place(button, 5880, top, 1455, 375);
     cmdMult_[static_cast<std::size_t>(i)] = button;
+    // The press sounds the Multi; the drag that follows ends the note with its drop.
+    new DragSource(button, button,
+                   {[this, m](QPoint) {
+                      form_.audition().CmdMult_Press(m, form_.row(m).CmbMult.index());
+                      handled();
+                    },
+                    [this, name](QPoint) {
+                      form_.DragDrop(name.toStdString(), name.toStdString());
+                      handled();
+                    },
+                    {}});
 
     auto* channel = new QComboBox(central);
     channel->setObjectName(QString("CmbMult%1").arg(m));
@@ -70,12 +104,10 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
     channel->setMinimumWidth(px(585));
     connect(channel, &QComboBox::activated, this, [this, m](int index) {
       form_.row(m).CmbMult.setIndex(index);
-      render();
-      app_.afterHandler();
+      handled();
     });
     cmbMult_[static_cast<std::size_t>(i)] = channel;
   }
-  render();
 }
 
 QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)()) {
@@ -83,8 +115,7 @@ QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, v
   action->setObjectName(name);
   connect(action, &QAction::triggered, this, [this, handler] {
     (form_.*handler)();
-    render();
-    app_.afterHandler();
+    handled();
   });
   return action;
 }
@@ -116,8 +147,7 @@ void MainWindow::buildMenus() {
     action->setObjectName(QString("RtrvMulti%1").arg(m));
     connect(action, &QAction::triggered, this, [this, m] {
       form_.RtrvMulti_Click(m);
-      render();
-      app_.afterHandler();
+      handled();
     });
   }
 
@@ -141,8 +171,7 @@ QRadioButton* MainWindow::option(QWidget* frame, const char* name, const char* t
   connect(button, &QRadioButton::toggled, this, [this, handler](bool on) {
     if (!on) return;
     (form_.performance().*handler)();
-    render();
-    app_.afterHandler();
+    handled();
   });
   return button;
 }
@@ -170,8 +199,7 @@ void MainWindow::buildPerformance(QWidget* central) {
   // A pick of the entry already shown still changes the Performance and reads it back.
   connect(cmbPrgm_, &QComboBox::activated, this, [this](int index) {
     form_.panel.CmbPrgm.pick(index);
-    render();
-    app_.afterHandler();
+    handled();
   });
 
   label(central, "Labelx1_49", "Performance", 600, 4560, 975, 255);
@@ -179,6 +207,16 @@ void MainWindow::buildPerformance(QWidget* central) {
   cmdPrfm_->setObjectName("CmdPrfm");
   cmdPrfm_->setToolTip("Click Button to audition whole Performance");
   place(cmdPrfm_, 1800, 4440, 975, 375);
+  new PressWatch(
+      cmdPrfm_,
+      [this] {
+        form_.audition().CmdPrfm_Press();
+        handled();
+      },
+      [this] {
+        form_.audition().CmdPrfm_Release();
+        handled();
+      });
 
   for (std::size_t i = 0; i < 4; ++i) {
     const int n = static_cast<int>(i) + 1;
@@ -187,13 +225,31 @@ void MainWindow::buildPerformance(QWidget* central) {
     button->setToolTip("Click Button to audition individual Layer of performance.");
     place(button, 1920, 5040 + 480 * static_cast<int>(i), 735, 375);
     cmdLyr_[i] = button;
+    new PressWatch(
+        button,
+        [this, n] {
+          form_.audition().CmdLyr_Press(n);
+          handled();
+        },
+        [this, n] {
+          form_.audition().CmdLyr_Release(n);
+          handled();
+        });
 
     auto* text = new QLineEdit(central);
-    text->setObjectName(QString("TxtLyr%1").arg(n));
+    const QString name = QString("TxtLyr%1").arg(n);
+    text->setObjectName(name);
     text->setToolTip("Drag Layer onto Layer Pool.");
     text->setReadOnly(true);
     place(text, 2760, 5160 + 480 * static_cast<int>(i), 975, 285);
     txtLyr_[i] = text;
+    new DragSource(text, text,
+                   {{},
+                    [this, name](QPoint) {
+                      form_.DragDrop(name.toStdString(), name.toStdString());
+                      handled();
+                    },
+                    {}});
   }
 
   label(central, "Labelx1_50", "Note", 480, 4920, 375, 255);
@@ -208,14 +264,116 @@ void MainWindow::buildPerformance(QWidget* central) {
   place(cmbMidVel_, 1080, 5160, 735, 315);
   connect(cmbMidNtNo_, &QComboBox::activated, this, [this](int index) {
     form_.CmbMidNtNo.setIndex(index);
-    render();
-    app_.afterHandler();
+    handled();
   });
   connect(cmbMidVel_, &QComboBox::activated, this, [this](int index) {
     form_.CmbMidVel.setIndex(index);
-    render();
-    app_.afterHandler();
+    handled();
   });
+}
+
+void MainWindow::buildTestNote(QWidget* central) {
+  // Position 0 stands at the top, so the highest note and velocity are up there; the keys
+  // move the handle the way their arrows point.
+  auto slider = [&](const char* name, const char* tip, int left) {
+    auto* s = new QSlider(Qt::Vertical, central);
+    s->setObjectName(name);
+    s->setToolTip(tip);
+    s->setInvertedAppearance(true);
+    s->setInvertedControls(true);
+    s->setPageStep(12);
+    place(s, left, 5520, 255, 1935);
+    return s;
+  };
+  sldNt_ = slider("SldNt", kNoteSliderTip, 600);
+  sldVel_ = slider("SldVel", kVelocitySliderTip, 1320);
+  connect(sldNt_, &QSlider::valueChanged, this, [this](int value) {
+    form_.SldNt.value = value;
+    form_.SldNt_Scroll();
+    handled();
+  });
+  connect(sldVel_, &QSlider::valueChanged, this, [this](int value) {
+    form_.SldVel.value = value;
+    form_.SldVel_Scroll();
+    handled();
+  });
+}
+
+void MainWindow::buildPool(QWidget* central) {
+  label(central, "Labelx1_53", "Layer Pool", 4320, 3480, 855, 255);
+  lbxLyrPool_ = new QListWidget(central);
+  lbxLyrPool_->setObjectName("LbxLyrPool");
+  lbxLyrPool_->setToolTip(kPoolTip);
+  lbxLyrPool_->setSelectionMode(QAbstractItemView::SingleSelection);
+  place(lbxLyrPool_, 3960, 3720, 1815, 3375);
+  LayerPool& pool = form_.pool();
+  // Keys move the selection; the mouse belongs to the drag.
+  connect(lbxLyrPool_, &QListWidget::currentRowChanged, this, [&pool](int row) { pool.LbxLyrPool.index = row; });
+  new DragSource(lbxLyrPool_, lbxLyrPool_->viewport(),
+                 {{},
+                  [this, &pool](QPoint pos) {
+                    // A plain click: the entry under the pointer becomes the selected one.
+                    if (QListWidgetItem* item = lbxLyrPool_->itemAt(pos)) pool.LbxLyrPool.index = lbxLyrPool_->row(item);
+                    form_.DragDrop("LbxLyrPool", "LbxLyrPool");
+                    handled();
+                  },
+                  [this, &pool](QPoint pos) {
+                    QListWidgetItem* item = lbxLyrPool_->itemAt(pos);
+                    pool.LbxLyrPool.index = item ? lbxLyrPool_->row(item) : -1;
+                    pool.DblClick();
+                    handled();
+                  }});
+
+  cmdClrLyrPool_ = new QPushButton(central);
+  cmdClrLyrPool_->setObjectName("CmdClrLyrPool");
+  cmdClrLyrPool_->setToolTip(kClearPoolTip);
+  place(cmdClrLyrPool_, 4080, 7200, 1575, 255);
+  connect(cmdClrLyrPool_, &QPushButton::clicked, this, [this] {
+    form_.pool().Clear();
+    handled();
+  });
+}
+
+void MainWindow::acceptDrops() {
+  // Every widget of the window, down to a list's viewport, takes any drag; its own handling
+  // of drops (a line edit's text) never runs.
+  QList<QWidget*> widgets = findChildren<QWidget*>();
+  widgets << this;
+  for (QWidget* w : widgets) {
+    if (w->window() != this) continue;  // menus and drop-down lists are windows of their own
+    w->setAcceptDrops(true);
+    w->installEventFilter(this);
+  }
+}
+
+QString MainWindow::dropTarget(QWidget* receiver, QPoint pos) const {
+  QWidget* w = receiver->childAt(pos);
+  if (w == nullptr) w = receiver;
+  // Parts of a control (a list's viewport) carry no name or one of Qt's own.
+  for (; w != nullptr && w != this && w != centralWidget(); w = w->parentWidget()) {
+    const QString name = w->objectName();
+    if (!name.isEmpty() && !name.startsWith("qt_")) return name;
+  }
+  return objectName();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  const QEvent::Type type = event->type();
+  if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop) return false;
+  auto* drop = static_cast<QDropEvent*>(event);
+  // Our drags copy; another program's drag is taken as a copy where it offers one.
+  if (drop->possibleActions() & Qt::CopyAction) {
+    drop->setDropAction(Qt::CopyAction);
+    drop->accept();
+  } else {
+    drop->acceptProposedAction();
+  }
+  if (type == QEvent::Drop) {
+    const QString target = dropTarget(static_cast<QWidget*>(watched), drop->position().toPoint());
+    form_.DragDrop(target.toStdString(), sourceName(drop->mimeData()).toStdString());
+    handled();
+  }
+  return true;
 }
 
 void MainWindow::render() {
@@ -237,6 +395,12 @@ void MainWindow::render() {
   }
   renderList(cmbMidNtNo_, form_.CmbMidNtNo);
   renderList(cmbMidVel_, form_.CmbMidVel);
+  renderSlider(sldNt_, form_.SldNt);
+  renderSlider(sldVel_, form_.SldVel);
+
+  LayerPool& pool = form_.pool();
+  renderListBox(lbxLyrPool_, pool.LbxLyrPool);
+  renderButton(cmdClrLyrPool_, pool.CmdClrLyrPool);
 
   renderCheck(localOff_, form_.LocalOffChecked);
   renderCheck(arpOff_, form_.ArpOffChecked);

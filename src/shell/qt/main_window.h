@@ -1,6 +1,7 @@
 #pragma once
 // The main form CS2x on the screen: the menu bar (File, Retrieve, Midi), the Performance
-// block, the test note and the twelve Multi rows.
+// block, the test note with its sliders, the Layer Pool and the twelve Multi rows. Layers,
+// Multis and Pool entries are dragged; every control of the form takes drops.
 
 #include <QMainWindow>
 #include <array>
@@ -10,8 +11,10 @@
 class QAction;
 class QComboBox;
 class QLineEdit;
+class QListWidget;
 class QPushButton;
 class QRadioButton;
+class QSlider;
 class QWidget;
 
 namespace tessivo::qt {
@@ -26,10 +29,19 @@ class MainWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void buildMenus();
   void buildPerformance(QWidget* central);
+  void buildTestNote(QWidget* central);
+  void buildPool(QWidget* central);
+  void buildMultiRows(QWidget* central);
+  void acceptDrops();
+  // The name of the control at `pos` of `receiver`; the form's own name where no control is.
+  QString dropTarget(QWidget* receiver, QPoint pos) const;
+  // A gesture's handler has run: show the form's state and let the program end if it must.
+  void handled();
   // A menu entry that runs a handler of the form, then renders.
   QAction* addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)());
   QRadioButton* option(QWidget* frame, const char* name, const char* text, int top,
@@ -50,6 +62,10 @@ class MainWindow : public QMainWindow {
   std::array<QLineEdit*, 4> txtLyr_{};
   QComboBox* cmbMidNtNo_ = nullptr;
   QComboBox* cmbMidVel_ = nullptr;
+  QSlider* sldNt_ = nullptr;
+  QSlider* sldVel_ = nullptr;
+  QListWidget* lbxLyrPool_ = nullptr;
+  QPushButton* cmdClrLyrPool_ = nullptr;
 
   QAction* localOff_ = nullptr;
   QAction* arpOff_ = nullptr;

@@ -6,8 +6,10 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QSlider>
 #include <QString>
 #include <string>
 
@@ -34,6 +36,31 @@ inline void renderList(QComboBox* box, const ListCtl& list) {
   box->setCurrentIndex(list.index());
   box->setEnabled(list.enabled);
   box->setVisible(list.visible);
+}
+
+// A list box: its items in order, rebuilt whenever any differs, and the selected row.
+inline void renderListBox(QListWidget* box, const ListBoxCtl& list) {
+  QSignalBlocker block(box);
+  bool same = box->count() == static_cast<int>(list.items.size());
+  for (int i = 0; same && i < box->count(); ++i)
+    same = box->item(i)->text() == shownText(list.items[static_cast<std::size_t>(i)]);
+  if (!same) {
+    box->clear();
+    for (const std::string& item : list.items) box->addItem(shownText(item));
+  }
+  if (list.index >= 0 && list.index < box->count()) {
+    box->setCurrentRow(list.index);
+  } else {
+    box->setCurrentRow(-1);
+    box->clearSelection();
+  }
+}
+
+inline void renderSlider(QSlider* slider, const SliderCtl& ctl) {
+  QSignalBlocker block(slider);
+  slider->setRange(ctl.min, ctl.max);
+  slider->setValue(ctl.value);
+  slider->setEnabled(ctl.enabled);
 }
 
 inline void renderButton(QAbstractButton* button, const ButtonCtl& ctl) {
