@@ -261,7 +261,7 @@ void MainWindow::buildPerformance(QWidget* central) {
   cmbMidVel_ = new QComboBox(central);
   cmbMidVel_->setObjectName("CmbMidVel");
   cmbMidVel_->setToolTip(kVelocityTip);
-  place(cmbMidVel_, 1080, 5160, 735, 315);
+  place(cmbMidVel_, 1095, 5160, 795, 315);  // a little wider than the form's place, so " 127" shows whole
   connect(cmbMidNtNo_, &QComboBox::activated, this, [this](int index) {
     form_.CmbMidNtNo.setIndex(index);
     handled();
