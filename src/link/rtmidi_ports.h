@@ -10,6 +10,8 @@
 
 namespace tessivo {
 
+class JackWatch;
+
 enum class MidiSystem { None, Alsa, Jack };
 
 const char* midiSystemName(MidiSystem system);
@@ -34,6 +36,7 @@ class RtMidiProvider : public PortProvider {
   MidiSystem system_;
   std::string clientName_;
   std::vector<std::string> inNames_, outNames_;
+  std::shared_ptr<JackWatch> watch_;  // JACK only
 };
 
 }  // namespace tessivo

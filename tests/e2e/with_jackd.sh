@@ -10,7 +10,8 @@ export JACK_NO_AUDIO_RESERVATION=1
 log="${TMPDIR:-/tmp}/jackd-$$.log"
 jackd -n "$JACK_DEFAULT_SERVER" -r -t 10000 -d dummy -r 48000 -p 512 >"$log" 2>&1 &
 jackd_pid=$!
-trap 'kill $jackd_pid 2>/dev/null; wait $jackd_pid 2>/dev/null || true' EXIT
+export TESSIVO_JACKD_PID=$jackd_pid
+trap 'kill $jackd_pid 2>/dev/null || true; wait $jackd_pid 2>/dev/null || true' EXIT
 if ! jack_wait -w -t 10 >/dev/null; then
   echo "JACK server did not start:" >&2
   cat "$log" >&2

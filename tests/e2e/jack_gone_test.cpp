@@ -1,0 +1,71 @@
+// The JACK server going away under open ports (stopped): sending, a retrieve and closing the ports all
+// end in their own time, without a crash. The server is stopped from here, so this program runs
+// alone against a server of its own (tests/e2e/with_jackd.sh exports its pid).
+#include <gtest/gtest.h>
+#include <rtmidi/RtMidi.h>
+#include <signal.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include "data/images.h"
+#include "link/port_service.h"
+#include "link/rtmidi_ports.h"
+#include "support/scripted.h"
+
+namespace tessivo {
+using namespace std::chrono_literals;
+
+TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
+  ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
+  const char* pidText = std::getenv("TESSIVO_JACKD_PID");
+  ASSERT_NE(pidText, nullptr);
+  const pid_t jackd = static_cast<pid_t>(std::atol(pidText));
+
+  // A peer client with a port each way, and the program's ports opened on them.
+  // libjack cannot close a port once its server has gone, so the peer is left behind.
+  auto* peerOut = new RtMidiOut(RtMidi::UNIX_JACK, "Peer");
+  auto* peerIn = new RtMidiIn(RtMidi::UNIX_JACK, "Peer");
+  peerOut->openVirtualPort("to-tessivo");
+  peerIn->openVirtualPort("from-tessivo");
+  RtMidiProvider jack(MidiSystem::Jack);
+  PortMidiService midi({&jack});
+  test::Events events;
+  test::ScriptedScreen screen(events);
+  MidiLink link(midi, screen);
+  Images images;
+  link.attachImages(&images);
+  link.setLengthTables();
+  const std::int32_t inDev = test::deviceNamed(midi, true, "to-tessivo");
+  const std::int32_t outDev = test::deviceNamed(midi, false, "from-tessivo");
+  ASSERT_GE(inDev, 0);
+  ASSERT_GE(outDev, 0);
+  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
+  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
+                            link.callbackInstance(), CALLBACK_FUNCTION),
+            MMSYSERR_NOERROR);
+  ASSERT_EQ(midi.midiInStart(link.MidiInHnd), MMSYSERR_NOERROR);
+
+  // SIGTERM: a killed server would leave its entry in the machine's JACK registry, and eight
+  // such entries stop every later server from starting. A crashed server was tried by hand.
+  ASSERT_EQ(kill(jackd, SIGTERM), 0);
+  for (int i = 0; i < 100 && jackServerRunning(); ++i) std::this_thread::sleep_for(50ms);
+  ASSERT_FALSE(jackServerRunning());
+
+  const auto t0 = std::chrono::steady_clock::now();
+  // Far more than the port's buffer holds, since nothing drains it any more.
+  for (int i = 0; i < 3000; ++i) link.SndSysEx(Bytes{0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x01, 0xF7});
+  link.RtrvBlock(1, 0, 0);  // nobody answers: about two seconds, then zeros
+  EXPECT_EQ(images.perf.Com1()[0], 0x00);
+  midi.midiInStop(link.MidiInHnd);
+  midi.midiInClose(link.MidiInHnd);
+  midi.midiOutClose(link.MidiOutHnd);
+  EXPECT_LT(std::chrono::steady_clock::now() - t0, 5s);
+  // Each send the port refused has said so in its box.
+  ASSERT_FALSE(screen.boxes.empty());
+  EXPECT_LE(screen.boxes.size(), 3001u);
+  for (const auto& box : screen.boxes) EXPECT_NE(box.text.find("Operation: MidiOutLongMsg "), std::string::npos);
+}
+
+}  // namespace tessivo
