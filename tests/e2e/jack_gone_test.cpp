@@ -12,6 +12,7 @@
 #include "data/images.h"
 #include "link/port_service.h"
 #include "link/rtmidi_ports.h"
+#include "e2e/open_ports.h"
 #include "support/scripted.h"
 
 namespace tessivo {
@@ -37,14 +38,7 @@ TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
   Images images;
   link.attachImages(&images);
   link.setLengthTables();
-  const std::int32_t inDev = test::deviceNamed(midi, true, "to-tessivo");
-  const std::int32_t outDev = test::deviceNamed(midi, false, "from-tessivo");
-  ASSERT_GE(inDev, 0);
-  ASSERT_GE(outDev, 0);
-  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
-  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
-                            link.callbackInstance(), CALLBACK_FUNCTION),
-            MMSYSERR_NOERROR);
+  ASSERT_TRUE(test::openPortsNamed(midi, link, "from-tessivo", "to-tessivo"));
   ASSERT_EQ(midi.midiInStart(link.MidiInHnd), MMSYSERR_NOERROR);
 
   // SIGTERM: a killed server would leave its entry in the machine's JACK registry, and eight

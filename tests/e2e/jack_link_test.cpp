@@ -12,6 +12,7 @@
 #include "link/midi_link.h"
 #include "link/port_service.h"
 #include "link/rtmidi_ports.h"
+#include "e2e/open_ports.h"
 #include "support/scripted.h"
 
 namespace tessivo {
@@ -63,14 +64,7 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   test::ScriptedScreen screen(events);
   MidiLink link(midi, screen);
 
-  const std::int32_t inDev = test::deviceNamed(midi, true, "to-tessivo");
-  const std::int32_t outDev = test::deviceNamed(midi, false, "from-tessivo");
-  ASSERT_GT(inDev, 0);
-  ASSERT_GT(outDev, 0);
-  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
-  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
-                            link.callbackInstance(), CALLBACK_FUNCTION),
-            MMSYSERR_NOERROR);
+  ASSERT_TRUE(test::openPortsNamed(midi, link, "from-tessivo", "to-tessivo"));
   std::this_thread::sleep_for(100ms);  // let JACK finish the connections
 
   // Out: a whole 74-byte bulk dump and a program change in one long message.

@@ -15,6 +15,7 @@
 #include "link/port_service.h"
 #include "link/rtmidi_ports.h"
 #include "perform/performance.h"
+#include "e2e/open_ports.h"
 #include "support/scripted.h"
 
 extern char** environ;
@@ -79,14 +80,7 @@ TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   PerfPanel panel;
   Performance perf(link, images.perf, panel, {[] { return 2; }, [] { return false; }, {}});
 
-  const std::int32_t outDev = test::deviceNamed(midi, false, "E2E-CS2x In");
-  const std::int32_t inDev = test::deviceNamed(midi, true, "E2E-CS2x Out");
-  ASSERT_GE(outDev, 0);
-  ASSERT_GE(inDev, 0);
-  ASSERT_EQ(midi.midiOutOpen(link.MidiOutHnd, static_cast<std::uint32_t>(outDev)), MMSYSERR_NOERROR);
-  ASSERT_EQ(midi.midiInOpen(link.MidiInHnd, static_cast<std::uint32_t>(inDev), &MidiLink::MidiInCB,
-                            link.callbackInstance(), CALLBACK_FUNCTION),
-            MMSYSERR_NOERROR);
+  ASSERT_TRUE(test::openPortsNamed(midi, link, "E2E-CS2x In", "E2E-CS2x Out"));
   std::this_thread::sleep_for(std::chrono::milliseconds(100));  // JACK finishes the connections
 
   const auto t0 = std::chrono::steady_clock::now();
