@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDrag>
+#include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -55,6 +56,14 @@ bool isPress(const QEvent* event) {
   return event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
 }
 QPoint position(QEvent* event) { return static_cast<QMouseEvent*>(event)->position().toPoint(); }
+
+// A message box opened by a press (a failed send) runs its own event loop, and the button's
+// release goes there. Once the press handler is back, a user's press whose buttons are all up
+// has been released; the release is then handled as if it had come, so that nothing stays
+// down and no note or muted layer is left behind.
+bool releaseTakenByBox(const QEvent* event) {
+  return event->spontaneous() && QGuiApplication::mouseButtons() == Qt::NoButton;
+}
 }  // namespace
 
 PressWatch::PressWatch(QWidget* widget, std::function<void()> press, std::function<void()> release)
@@ -67,6 +76,11 @@ bool PressWatch::eventFilter(QObject* watched, QEvent* event) {
   if (isPress(event) && !down_ && widget_->isEnabled()) {
     down_ = true;
     if (press_) press_();
+    if (releaseTakenByBox(event)) {
+      down_ = false;
+      if (release_) release_();
+      return true;  // the button is not left shown down
+    }
   } else if (event->type() == QEvent::MouseButtonRelease && down_ &&
              static_cast<QMouseEvent*>(event)->buttons() == Qt::NoButton) {
     down_ = false;
@@ -101,6 +115,11 @@ bool DragSource::eventFilter(QObject* watched, QEvent* event) {
       source_->setFocus(Qt::MouseFocusReason);
       setShownDown(true);
       if (hooks_.press) hooks_.press(start_);
+      if (releaseTakenByBox(event)) {
+        pressed_ = false;
+        setShownDown(false);
+        if (hooks_.dropOnItself) hooks_.dropOnItself(start_);
+      }
       return true;
     case QEvent::MouseMove: {
       auto* move = static_cast<QMouseEvent*>(event);

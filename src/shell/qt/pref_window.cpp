@@ -86,7 +86,15 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
   place(cmbPerfChnl_, 2400, 1920, 615, 315);
 
   // The density of exported MIDI files: the high end at the left.
-  placeLabel(label(this, "Label6_0", "Midi File Density"), 3960, 1920, 1095, 255);
+  // Its caption stands over the slider's middle: a wide font widens it to both sides, clear
+  // of "High" and "Low".
+  QLabel* density = label(this, "Label6_0", "Midi File Density");
+  density->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  place(density, 3960, 1920, 1095, 255);
+  if (density->sizeHint().width() > density->width()) {
+    const int grow = density->sizeHint().width() - density->width();
+    density->setGeometry(density->x() - (grow + 1) / 2, density->y(), density->sizeHint().width(), density->height());
+  }
   slider1_ = new QSlider(Qt::Horizontal, this);
   slider1_->setObjectName("Slider1");
   slider1_->setTickPosition(QSlider::NoTicks);
@@ -149,6 +157,11 @@ void PrefWindow::render() {
   renderButton(cmdBrowse_, form_.CmdBrowse);
   renderList(combo1_, form_.Combo1);
   renderList(combo2_, form_.Combo2);
+  // A device name longer than its list shows whole under the pointer.
+  for (QComboBox* devices : {combo1_, combo2_})
+    devices->setToolTip(devices->fontMetrics().horizontalAdvance(devices->currentText()) + 24 > devices->width()
+                            ? devices->currentText()
+                            : QString());
   renderList(cmbPerfChnl_, form_.cmbPerfChnl);
   {
     QSignalBlocker block(slider1_);
