@@ -32,7 +32,9 @@ constexpr std::array<std::uint8_t, 13> kDefaultSection4{{
     0xF0, 0x43, 0x00, 0x4C, 0x00, 0x02, 0x0A, 0x10, 0x20, 0x40, 0x00, 0x0C, 0xF7,
 }};
 
-std::uint8_t limit127(int value) { return static_cast<std::uint8_t>(std::min(value, 127)); }
+// A data byte on the wire: above 127 it would read as a status byte, so a sum is held to the
+// range at both ends.
+std::uint8_t limit127(int value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 127)); }
 }  // namespace
 
 std::span<const std::uint8_t> defaultSection(int section) {

@@ -366,7 +366,9 @@ void VirtualCs2x::run() {
 void VirtualCs2x::setAnswerSink(InPort::Sink sink) {
   std::unique_lock lock(mutex_);
   answer_ = std::move(sink);
-  if (std::this_thread::get_id() != worker_.get_id()) idle_.wait(lock, [&] { return !delivering_; });
+  // The old sink's owner may go once this returns: nothing may still be inside it.
+  if (std::this_thread::get_id() != worker_.get_id())
+    idle_.wait(lock, [&] { return !delivering_ && transmitting_ == 0; });
 }
 
 void VirtualCs2x::waitIdle() {
@@ -385,8 +387,14 @@ void VirtualCs2x::transmit(std::span<const std::uint8_t> message) {
   {
     std::lock_guard lock(mutex_);
     sink = answer_;
+    if (!sink) return;
+    ++transmitting_;
   }
-  if (sink) sink(message);  // never under our own lock: the service takes its own
+  sink(message);  // never under our own lock: the service takes its own
+  sink = nullptr;
+  std::lock_guard lock(mutex_);
+  --transmitting_;
+  idle_.notify_all();
 }
 
 // ---- queries ----

@@ -147,6 +147,7 @@ class VirtualCs2x {
   std::deque<Answer> answers_;
   std::size_t pending_ = 0;  // queued plus the one being handed over
   bool delivering_ = false;
+  int transmitting_ = 0;  // transmit() calls inside the sink
   bool stop_ = false;
   std::condition_variable wake_, idle_;
   std::thread worker_;
