@@ -10,9 +10,8 @@ namespace tessivo {
 using test::hex;
 
 namespace {
-Bytes sectionBytes(LyrTemplate& t, int s) {
-  auto sec = t.section(s);
-  return Bytes(sec.begin(), sec.end());
+Bytes bytesOf(std::span<const std::uint8_t> s, std::size_t from, std::size_t to) {
+  return Bytes(s.begin() + static_cast<std::ptrdiff_t>(from), s.begin() + static_cast<std::ptrdiff_t>(to));
 }
 
 // A Layer section of 56 message bytes with every data byte set from its offset, and a Com1.
@@ -26,6 +25,12 @@ struct Sources {
     P[40] = 0x40;
     P[41] = 0x40;
   }
+  LyrTemplate convert() const {
+    LyrTemplate t;
+    t.InitLyrTmpl();
+    t.LyrToTmpl(L, P);
+    return t;
+  }
 };
 }  // namespace
 
@@ -33,8 +38,8 @@ TEST(LyrTemplate, DefaultsAreTheBytesOfANewPartWithFixedChecksums) {
   LyrTemplate t;
   t.bytes.fill(0xEE);
   t.InitLyrTmpl();
-  EXPECT_EQ(hex(sectionBytes(t, 2)), "F0 43 00 4C 00 04 08 10 70 00 00 40 40 7C F7 00");
-  EXPECT_EQ(hex(sectionBytes(t, 4)), "F0 43 00 4C 00 02 0A 10 20 40 00 0C F7 00");
+  EXPECT_EQ(hex(bytesOf(t.section(2), 0, 16)), "F0 43 00 4C 00 04 08 10 70 00 00 40 40 7C F7 00");
+  EXPECT_EQ(hex(bytesOf(t.section(4), 0, 14)), "F0 43 00 4C 00 02 0A 10 20 40 00 0C F7 00");
   auto s0 = t.section(0);
   EXPECT_EQ(s0[kPartByteAt], kNoPart);
   EXPECT_EQ(s0[kReceiveChannelAt], kNoChannel);
@@ -52,77 +57,55 @@ TEST(LyrTemplate, DefaultsAreTheBytesOfANewPartWithFixedChecksums) {
   }
 }
 
+TEST(LyrTemplate, LayerFieldsLandAtTheirOffsetsAndTheRestKeepsItsDefault) {
+  LyrTemplate t = Sources().convert();
+  auto s0 = t.section(0);
+  EXPECT_EQ(hex(bytesOf(s0, 10, 15)), "09 0A 0B 10 0C");  // voice, no channel, mono/poly
+  EXPECT_EQ(s0[15], 0x01);                             // same note key: default
+  EXPECT_EQ(hex(bytesOf(s0, 17, 20)), "0D 0E 0F");
+  EXPECT_EQ(hex(bytesOf(s0, 21, 30)), "11 12 13 14 15 00 16 17 00");  // dry 0, var 0
+  EXPECT_EQ(hex(bytesOf(s0, 30, 33)), "40 40 40");
+  EXPECT_EQ(hex(bytesOf(s0, 35, 38)), "1C 1D 1E");
+  EXPECT_EQ(s0[38], 0x40);  // carried default
+  EXPECT_EQ(s0[50], 0x1F);  // the checksum is not recomputed
+  EXPECT_EQ(hex(bytesOf(t.section(1), 66, 72)), "20 21 22 23 24 25");
+  EXPECT_EQ(hex(bytesOf(t.section(2), 11, 13)), "32 33");
+  EXPECT_EQ(hex(bytesOf(t.section(3), 11, 13)), "34 35");
+  EXPECT_EQ(t.section(2)[7], kNoPart);
+}
+
 TEST(LyrTemplate, VolumeIsHalvedTiesToEvenOnlyWhenTheGateIsOpen) {
-  EXPECT_EQ(halfToEven(1), 0);
-  EXPECT_EQ(halfToEven(3), 2);
-  EXPECT_EQ(halfToEven(125), 62);
-  EXPECT_EQ(halfToEven(127), 64);
-  EXPECT_EQ(halfToEven(100), 50);
   Sources src;
-  LyrTemplate t;
-  for (std::uint8_t volume : {1, 3, 127}) {
-    src.L[16] = volume;
-    t.InitLyrTmpl();
-    t.LyrToTmpl(src.L, src.P);
-    EXPECT_EQ(t.section(0)[kVolumeAt], halfToEven(volume));
+  for (const auto& [volume, half] : {std::pair{1, 0}, {3, 2}, {100, 50}, {125, 62}, {127, 64}}) {
+    src.L[16] = static_cast<std::uint8_t>(volume);
+    EXPECT_EQ(src.convert().section(0)[kVolumeAt], half) << volume;
   }
   src.L[24] = 0;
   src.L[16] = 10;
-  t.InitLyrTmpl();
-  t.LyrToTmpl(src.L, src.P);
-  EXPECT_EQ(t.section(0)[kVolumeAt], 0x64);
+  EXPECT_EQ(src.convert().section(0)[kVolumeAt], 0x64);
 }
 
 TEST(LyrTemplate, FilterSumsAndHighPassAreLimitedTo127) {
   Sources src;
-  LyrTemplate t;
   src.L[26] = 0x40;
   src.L[27] = 0x40;
-  t.InitLyrTmpl();
-  t.LyrToTmpl(src.L, src.P);
+  LyrTemplate t = src.convert();
   EXPECT_EQ(t.section(0)[33], 0x41);  // two values of 0x40
   EXPECT_EQ(t.section(0)[34], 0x41);
-  EXPECT_EQ(t.section(4)[9], 78);     // 20 / 2 + 68
+  EXPECT_EQ(t.section(4)[9], 78);  // 20 / 2 + 68
   src.P[40] = 127;
   src.L[26] = 127;
-  src.P[39] = 118;
-  t.InitLyrTmpl();
-  t.LyrToTmpl(src.L, src.P);
-  EXPECT_EQ(t.section(0)[33], 127);
-  EXPECT_EQ(t.section(4)[9], 127);
-  src.P[39] = 0;
-  t.LyrToTmpl(src.L, src.P);
-  EXPECT_EQ(t.section(4)[9], 68);
-  src.P[39] = 119;  // 59.5 + 68: the whole part
-  t.LyrToTmpl(src.L, src.P);
-  EXPECT_EQ(t.section(4)[9], 127);
-}
-
-TEST(LyrTemplate, LayerFieldsLandAtTheirOffsetsAndTheRestKeepsItsDefault) {
-  Sources src;
-  LyrTemplate t;
-  t.InitLyrTmpl();
-  t.LyrToTmpl(src.L, src.P);
-  auto s0 = t.section(0);
-  EXPECT_EQ(hex(Bytes(s0.begin() + 10, s0.begin() + 15)), "09 0A 0B 10 0C");  // voice, no channel, mono/poly
-  EXPECT_EQ(s0[15], 0x01);  // same note key: default
-  EXPECT_EQ(hex(Bytes(s0.begin() + 17, s0.begin() + 20)), "0D 0E 0F");
-  EXPECT_EQ(hex(Bytes(s0.begin() + 21, s0.begin() + 30)), "11 12 13 14 15 00 16 17 00");  // dry 0, var 0
-  EXPECT_EQ(hex(Bytes(s0.begin() + 30, s0.begin() + 33)), "40 40 40");
-  EXPECT_EQ(hex(Bytes(s0.begin() + 35, s0.begin() + 38)), "1C 1D 1E");
-  EXPECT_EQ(s0[38], 0x40);  // carried default
-  EXPECT_EQ(s0[50], 0x1F);  // the checksum is not recomputed
-  auto s1 = t.section(1);
-  EXPECT_EQ(hex(Bytes(s1.begin() + 66, s1.begin() + 72)), "20 21 22 23 24 25");
-  EXPECT_EQ(hex(Bytes(t.section(2).begin() + 11, t.section(2).begin() + 13)), "32 33");
-  EXPECT_EQ(hex(Bytes(t.section(3).begin() + 11, t.section(3).begin() + 13)), "34 35");
-  EXPECT_EQ(t.section(2)[7], kNoPart);
+  EXPECT_EQ(src.convert().section(0)[33], 127);
+  for (const auto& [cutoff, highPass] : {std::pair{0, 68}, {118, 127}, {119, 127}}) {  // 59.5 + 68: the whole part
+    src.P[39] = static_cast<std::uint8_t>(cutoff);
+    EXPECT_EQ(src.convert().section(4)[9], highPass) << cutoff;
+  }
 }
 
 TEST(LyrTemplate, AMultiPartIsCopiedByMessageLengthLeavingTheSpareBytes) {
   MultiImage image;
-  for (int s = 0; s < 6; ++s) {
-    auto sec = image.section(6, static_cast<std::size_t>(s));
+  for (std::size_t s = 0; s < 6; ++s) {
+    auto sec = image.section(6, s);
     std::fill(sec.begin(), sec.end(), static_cast<std::uint8_t>(0xA0 + s));
   }
   LyrTemplate t;

@@ -3,21 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "data/tables.h"
-#include "shell/app.h"
 #include "support/scripted.h"
 
 namespace tessivo {
 
 TEST(Tables, FrequencyCodesGiveSevenCharacterTextsAndErrOutside) {
-  EXPECT_EQ(HzText(4), "  32 Hz");
-  EXPECT_EQ(HzText(12), "  80 Hz");
-  EXPECT_EQ(HzText(33), " 900 Hz");
-  EXPECT_EQ(HzText(34), " 1.0KHz");
-  EXPECT_EQ(HzText(54), "10.0KHz");
-  EXPECT_EQ(HzText(58), "16.0KHz");
-  EXPECT_EQ(HzText(3), "ERR");
-  EXPECT_EQ(HzText(59), "ERR");
-  EXPECT_EQ(HzText(-1), "ERR");
+  const std::pair<std::int16_t, const char*> texts[] = {{4, "  32 Hz"},  {12, "  80 Hz"}, {33, " 900 Hz"},
+                                                        {34, " 1.0KHz"}, {54, "10.0KHz"}, {58, "16.0KHz"},
+                                                        {3, "ERR"},      {59, "ERR"},     {-1, "ERR"}};
+  for (const auto& [code, text] : texts) EXPECT_EQ(HzText(code), text) << code;
   for (std::int16_t code = 4; code <= 58; ++code) EXPECT_EQ(HzText(code).size(), 7u) << code;
 }
 
@@ -38,16 +32,11 @@ TEST(Tables, EffectTypesAreFoundByTheirTwoBytesInTheirOwnTable) {
   EXPECT_EQ(row, 63);
 }
 
-TEST(Tables, PresetNamesAreEightCharactersPaddedWithBlanks) {
-  EXPECT_EQ(PrfNames1[0], "Ministry");
-  EXPECT_EQ(PrfNames1[127], "FunkyHit");
-  EXPECT_EQ(PrfNames2[0], "Concert ");
-  EXPECT_EQ(PrfNames2[127], "Session ");
+TEST(Tables, TheStartFillsTheEffectAndProgramListsInRowOrderWithEightCharacterNames) {
   for (auto n : PrfNames1) EXPECT_EQ(n.size(), 8u);
   for (auto n : PrfNames2) EXPECT_EQ(n.size(), 8u);
-}
-
-TEST(Tables, TheStartFillsTheEffectAndProgramListsInRowOrder) {
+  EXPECT_EQ(PrfNames1[127], "FunkyHit");
+  EXPECT_EQ(PrfNames2[127], "Session ");
   test::ScriptedProgram program;
   MainForm& form = program.start();
   ASSERT_EQ(form.CmbRvrb.items.size(), 13u);

@@ -9,11 +9,7 @@
 #include <cstdlib>
 #include <thread>
 
-#include "data/images.h"
-#include "link/port_service.h"
-#include "link/rtmidi_ports.h"
-#include "e2e/open_ports.h"
-#include "support/scripted.h"
+#include "e2e/jack_side.h"
 
 namespace tessivo {
 using namespace std::chrono_literals;
@@ -30,16 +26,10 @@ TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
   auto* peerIn = new RtMidiIn(RtMidi::UNIX_JACK, "Peer");
   peerOut->openVirtualPort("to-tessivo");
   peerIn->openVirtualPort("from-tessivo");
-  RtMidiProvider jack(MidiSystem::Jack);
-  PortMidiService midi({&jack});
-  test::Events events;
-  test::ScriptedScreen screen(events);
-  MidiLink link(midi, screen);
-  Images images;
-  link.attachImages(&images);
-  link.setLengthTables();
-  ASSERT_TRUE(test::openPortsNamed(midi, link, "from-tessivo", "to-tessivo"));
-  ASSERT_EQ(midi.midiInStart(link.MidiInHnd), MMSYSERR_NOERROR);
+  test::JackSide side;
+  MidiLink& link = side.link;
+  ASSERT_TRUE(side.open("from-tessivo", "to-tessivo"));
+  ASSERT_EQ(side.midi.midiInStart(link.MidiInHnd), MMSYSERR_NOERROR);
 
   // SIGTERM: a killed server would leave its entry in the machine's JACK registry, and eight
   // such entries stop every later server from starting. A crashed server was tried by hand.
@@ -51,15 +41,13 @@ TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
   // Far more than the port's buffer holds, since nothing drains it any more.
   for (int i = 0; i < 3000; ++i) link.SndSysEx(Bytes{0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x01, 0xF7});
   link.RtrvBlock(1, 0, 0);  // nobody answers: about two seconds, then zeros
-  EXPECT_EQ(images.perf.Com1()[0], 0x00);
-  midi.midiInStop(link.MidiInHnd);
-  midi.midiInClose(link.MidiInHnd);
-  midi.midiOutClose(link.MidiOutHnd);
+  EXPECT_EQ(side.images.perf.Com1()[0], 0x00);
+  side.close();
   EXPECT_LT(std::chrono::steady_clock::now() - t0, 5s);
   // Each send the port refused has said so in its box.
-  ASSERT_FALSE(screen.boxes.empty());
-  EXPECT_LE(screen.boxes.size(), 3001u);
-  for (const auto& box : screen.boxes) EXPECT_NE(box.text.find("Operation: MidiOutLongMsg "), std::string::npos);
+  ASSERT_FALSE(side.screen.boxes.empty());
+  EXPECT_LE(side.screen.boxes.size(), 3001u);
+  for (const auto& box : side.screen.boxes) EXPECT_NE(box.text.find("Operation: MidiOutLongMsg "), std::string::npos);
 }
 
 }  // namespace tessivo

@@ -8,12 +8,7 @@
 #include <mutex>
 #include <thread>
 
-#include "instrument/virtual_cs2x.h"
-#include "link/midi_link.h"
-#include "link/port_service.h"
-#include "link/rtmidi_ports.h"
-#include "e2e/open_ports.h"
-#include "support/scripted.h"
+#include "e2e/jack_side.h"
 
 namespace tessivo {
 using namespace std::chrono_literals;
@@ -57,14 +52,11 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   Peer peer;
   VirtualCs2x cs2x;
   VirtualCs2xProvider builtIn(cs2x);
-  RtMidiProvider jack(MidiSystem::Jack);
-  ASSERT_EQ(jack.system(), MidiSystem::Jack);
-  PortMidiService midi({&builtIn, &jack});
-  test::Events events;
-  test::ScriptedScreen screen(events);
-  MidiLink link(midi, screen);
-
-  ASSERT_TRUE(test::openPortsNamed(midi, link, "from-tessivo", "to-tessivo"));
+  test::JackSide side({&builtIn});
+  ASSERT_EQ(side.jack.system(), MidiSystem::Jack);
+  PortMidiService& midi = side.midi;
+  MidiLink& link = side.link;
+  ASSERT_TRUE(side.open("from-tessivo", "to-tessivo"));
   std::this_thread::sleep_for(100ms);  // let JACK finish the connections
 
   // Out: a whole 74-byte bulk dump and a program change in one long message.
@@ -78,13 +70,8 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   EXPECT_EQ(got[2], (Bytes{0xC0, 0x07}));
 
   // In: an armed buffer takes the peer's SysEx whole and the flag rises.
-  std::array<std::uint8_t, 129> buffer{};
-  MidiHdr hdr;
-  hdr.lpData = buffer.data();
-  hdr.dwBufferLength = 128;
-  ASSERT_EQ(midi.midiInPrepareHeader(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
-  ASSERT_EQ(midi.midiInAddBuffer(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
-  ASSERT_EQ(midi.midiInStart(link.MidiInHnd), 0u);
+  test::InBuffer buffer;
+  ASSERT_EQ(test::arm(midi, link.MidiInHnd, buffer), 0u);
   link.LongDataFlag.clear();
   const Bytes reply = bulkDump(kModelCs2x, {0x60, 0x00, 0x00}, Bytes(52, 0x21));
   peer.send(reply);
@@ -92,9 +79,8 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   EXPECT_EQ(link.LongDataFlag.load(), -1);
   midi.midiInStop(link.MidiInHnd);
   midi.midiInReset(link.MidiInHnd);
-  ASSERT_EQ(midi.midiInUnprepareHeader(link.MidiInHnd, &hdr, kMidiHdrSize), 0u);
-  EXPECT_EQ(hdr.dwBytesRecorded, 63u);
-  EXPECT_EQ(Bytes(buffer.begin(), buffer.begin() + 63), reply);
+  ASSERT_EQ(midi.midiInUnprepareHeader(link.MidiInHnd, &buffer.hdr, kMidiHdrSize), 0u);
+  EXPECT_EQ(buffer.recorded(), reply);
 
   // Thru: a note played into the input comes out at the output.
   ASSERT_EQ(midi.midiConnect(link.MidiInHnd, link.MidiOutHnd), 0u);
@@ -109,7 +95,7 @@ TEST(JackLink, SysExGoesOutAndComesInWholeAndThruPassesNotes) {
   EXPECT_EQ(midi.midiInClose(link.MidiInHnd), 0u);
   EXPECT_EQ(midi.midiOutReset(link.MidiOutHnd), 0u);
   EXPECT_EQ(midi.midiOutClose(link.MidiOutHnd), 0u);
-  EXPECT_TRUE(screen.boxes.empty());
+  EXPECT_TRUE(side.screen.boxes.empty());
 }
 
 TEST(JackLink, NoServerMeansNoPortsAndNoCrash) {

@@ -11,12 +11,8 @@
 #include <string>
 #include <thread>
 
-#include "data/images.h"
-#include "link/port_service.h"
-#include "link/rtmidi_ports.h"
+#include "e2e/jack_side.h"
 #include "perform/performance.h"
-#include "e2e/open_ports.h"
-#include "support/scripted.h"
 
 extern char** environ;
 
@@ -69,18 +65,12 @@ TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   InstrumentProcess instrument("E2E-CS2x");
   ASSERT_TRUE(instrument.waitReady());
 
-  RtMidiProvider jack(MidiSystem::Jack);
-  PortMidiService midi({&jack});
-  test::Events events;
-  test::ScriptedScreen screen(events);
-  MidiLink link(midi, screen);
-  Images images;
-  link.attachImages(&images);
-  link.setLengthTables();
+  test::JackSide side;
+  MidiLink& link = side.link;
+  Images& images = side.images;
   PerfPanel panel;
   Performance perf(link, images.perf, panel, {[] { return 2; }, [] { return false; }, {}});
-
-  ASSERT_TRUE(test::openPortsNamed(midi, link, "E2E-CS2x In", "E2E-CS2x Out"));
+  ASSERT_TRUE(side.open("E2E-CS2x In", "E2E-CS2x Out"));
   std::this_thread::sleep_for(std::chrono::milliseconds(100));  // JACK finishes the connections
 
   const auto t0 = std::chrono::steady_clock::now();
@@ -88,7 +78,7 @@ TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   perf.OptPreset_Click();
   panel.CmbPrgm.pick(1);  // Preset 1, program 1
   const auto elapsed = std::chrono::steady_clock::now() - t0;
-  EXPECT_TRUE(screen.boxes.empty());
+  EXPECT_TRUE(side.screen.boxes.empty());
   EXPECT_EQ(panel.CmdPrfm.caption, "I'mReady");
   EXPECT_EQ(link.List1.size(), 63u + 34 + 20 + 4 * 56 + 37);  // every block came whole
   const auto com1 = images.perf.Com1();
@@ -103,11 +93,8 @@ TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   EXPECT_EQ(images.multi.section(4, 1)[0], 0xF0);
   EXPECT_EQ(images.multi.section(4, 1)[73], 0xF7);
   EXPECT_EQ(images.multi.section(4, 4)[12], 0xF7);
-  EXPECT_TRUE(screen.boxes.empty());
-
-  midi.midiInStop(link.MidiInHnd);
-  midi.midiInClose(link.MidiInHnd);
-  midi.midiOutClose(link.MidiOutHnd);
+  EXPECT_TRUE(side.screen.boxes.empty());
+  side.close();
 }
 
 }  // namespace tessivo

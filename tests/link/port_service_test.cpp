@@ -4,12 +4,11 @@
 
 #include <thread>
 
-#include "instrument/virtual_cs2x.h"
-#include "link/port_service.h"
 #include "support/scripted.h"
 
 namespace tessivo {
 using test::hex;
+using test::InBuffer;
 
 namespace {
 struct Received {
@@ -51,24 +50,14 @@ class Service : public ::testing::Test {
   Received rx;
   MidiHandle in = 0, out = 0;
 
-  void open() {
+  void SetUp() override {
     ASSERT_EQ(midi.midiOutOpen(out, 0), MMSYSERR_NOERROR);
     ASSERT_EQ(midi.midiInOpen(in, 0, &recordCallback, reinterpret_cast<std::uintptr_t>(&rx), CALLBACK_FUNCTION),
               MMSYSERR_NOERROR);
   }
-  MMRESULT sendLong(Bytes bytes) {
-    MidiHdr hdr;
-    hdr.lpData = bytes.data();
-    hdr.dwBufferLength = static_cast<std::uint32_t>(bytes.size());
-    MMRESULT r = midi.midiOutPrepareHeader(out, &hdr, kMidiHdrSize);
-    if (r) return r;
-    r = midi.midiOutLongMsg(out, &hdr, kMidiHdrSize);
-    while (midi.midiOutUnprepareHeader(out, &hdr, kMidiHdrSize) == MIDIERR_STILLPLAYING) std::this_thread::yield();
-    return r;
-  }
 };
 
-TEST_F(Service, TheBuiltInInstrumentIsDeviceZeroOfBothLists) {
+TEST_F(Service, DevicesAreNumberedAcrossFamiliesWithTheBuiltInInstrumentFirst) {
   std::string name;
   ASSERT_EQ(midi.midiInGetNumDevs(), 3u);
   ASSERT_EQ(midi.midiOutGetNumDevs(), 2u);
@@ -81,61 +70,51 @@ TEST_F(Service, TheBuiltInInstrumentIsDeviceZeroOfBothLists) {
   EXPECT_EQ(midi.midiOutGetDevCaps(2, name), MMSYSERR_BADDEVICEID);
 }
 
-TEST_F(Service, OpeningFailuresComeBackAsCodes) {
+TEST_F(Service, FailuresComeBackAsCodes) {
   MidiHandle h = 99;
   EXPECT_EQ(midi.midiOutOpen(h, 1), MIDIERR_NODEVICE);
   EXPECT_EQ(h, 0u);
   EXPECT_EQ(midi.midiOutOpen(h, 7), MMSYSERR_BADDEVICEID);
-  open();
   EXPECT_EQ(midi.midiOutOpen(h, 0), MMSYSERR_ALLOCATED);
   EXPECT_EQ(midi.midiInOpen(h, 0, nullptr, 0, 0), MMSYSERR_ALLOCATED);
-}
-
-TEST_F(Service, CallsOnAHandleThatIsNotOpenFailWithInvalidHandle) {
-  MidiHdr hdr;
-  std::uint8_t buf[4]{};
-  hdr.lpData = buf;
-  hdr.dwBufferLength = 4;
-  EXPECT_EQ(midi.midiOutPrepareHeader(0, &hdr, kMidiHdrSize), MMSYSERR_INVALHANDLE);
-  EXPECT_EQ(midi.midiInPrepareHeader(0, &hdr, kMidiHdrSize), MMSYSERR_INVALHANDLE);
+  // Calls on a handle that is not open.
+  InBuffer b;
+  EXPECT_EQ(midi.midiOutPrepareHeader(0, &b.hdr, kMidiHdrSize), MMSYSERR_INVALHANDLE);
+  EXPECT_EQ(midi.midiInPrepareHeader(0, &b.hdr, kMidiHdrSize), MMSYSERR_INVALHANDLE);
   EXPECT_EQ(midi.midiConnect(0, 0), MMSYSERR_INVALHANDLE);
   EXPECT_EQ(midi.midiInStop(0), MMSYSERR_INVALHANDLE);
   EXPECT_EQ(midi.midiInClose(0), MMSYSERR_INVALHANDLE);
   EXPECT_EQ(midi.midiOutReset(0), MMSYSERR_INVALHANDLE);
+  // A long message needs a prepared header.
+  EXPECT_EQ(midi.midiOutLongMsg(out, &b.hdr, kMidiHdrSize), MIDIERR_UNPREPARED);
+  EXPECT_TRUE(cs2x.log().empty());
+  // Every code of the vocabulary has a text that fits the platform's buffer.
+  std::string text;
+  for (MMRESULT code : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 64u, 65u, 66u, 67u, 68u, 69u, 70u, 71u}) {
+    EXPECT_EQ(midi.midiOutGetErrorText(code, text), MMSYSERR_NOERROR) << code;
+    EXPECT_FALSE(text.empty());
+    EXPECT_LT(text.size(), 128u);
+  }
+  EXPECT_EQ(midi.midiInGetErrorText(12345, text), MMSYSERR_BADERRNUM);
 }
 
 TEST_F(Service, ALongMessageReachesTheInstrumentOneMessageAtATime) {
-  open();
-  ASSERT_EQ(sendLong({0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x00, 0xF7, 0xB0, 0x00, 0x3F, 0xC0, 0x05}),
-            MMSYSERR_NOERROR);
+  const Bytes sysEx{0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x00, 0xF7};
+  Bytes stream = sysEx;
+  stream.insert(stream.end(), {0xB0, 0x00, 0x3F, 0xC0, 0x05});
+  ASSERT_EQ(test::sendLong(midi, out, stream), MMSYSERR_NOERROR);
   const auto log = cs2x.log();
   ASSERT_EQ(log.size(), 3u);
-  EXPECT_EQ(hex(log[0].bytes), "F0 43 10 63 50 00 00 00 F7");
+  EXPECT_EQ(log[0].bytes, sysEx);
   EXPECT_EQ(hex(log[1].bytes), "B0 00 3F");
   EXPECT_EQ(hex(log[2].bytes), "C0 05");
   EXPECT_LE(log[0].time, log[2].time);
 }
 
-TEST_F(Service, ALongMessageNeedsAPreparedHeader) {
-  open();
-  Bytes b{0xF0, 0xF7};
-  MidiHdr hdr;
-  hdr.lpData = b.data();
-  hdr.dwBufferLength = 2;
-  EXPECT_EQ(midi.midiOutLongMsg(out, &hdr, kMidiHdrSize), MIDIERR_UNPREPARED);
-  EXPECT_TRUE(cs2x.log().empty());
-}
-
-TEST_F(Service, AnArmedBufferTakesTheNextSysExWholeAndTheCallbackIsTold) {
-  open();
-  std::uint8_t buffer[129]{};
-  MidiHdr hdr;
-  hdr.lpData = buffer;
-  hdr.dwBufferLength = 128;
-  ASSERT_EQ(midi.midiInPrepareHeader(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
-  ASSERT_EQ(midi.midiInAddBuffer(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
-  ASSERT_EQ(midi.midiInStart(in), MMSYSERR_NOERROR);
-  EXPECT_EQ(midi.midiInUnprepareHeader(in, &hdr, kMidiHdrSize), MIDIERR_STILLPLAYING);
+TEST_F(Service, AnArmedBufferTakesTheNextSysExWholeOrCutAndTheCallbackIsTold) {
+  InBuffer b;
+  ASSERT_EQ(test::arm(midi, in, b), MMSYSERR_NOERROR);
+  EXPECT_EQ(midi.midiInUnprepareHeader(in, &b.hdr, kMidiHdrSize), MIDIERR_STILLPLAYING);
 
   cs2x.transmit(Bytes{0x90, 0x40, 0x7F});  // a played note is a short message
   EXPECT_EQ(rx.shortData.load(), 1);
@@ -145,73 +124,52 @@ TEST_F(Service, AnArmedBufferTakesTheNextSysExWholeAndTheCallbackIsTold) {
   const Bytes reply = bulkDump(kModelCs2x, {0x60, 0x00, 0x60}, Bytes(9, 0x22));
   cs2x.transmit(reply);
   EXPECT_EQ(rx.longData.load(), 1);
-  EXPECT_EQ(hdr.dwBytesRecorded, 20u);
-  EXPECT_EQ(Bytes(buffer, buffer + 20), reply);
-  EXPECT_TRUE(hdr.dwFlags & MHDR_DONE);
+  EXPECT_EQ(b.recorded(), reply);
+  EXPECT_TRUE(b.hdr.dwFlags & MHDR_DONE);
   cs2x.transmit(reply);  // no buffer left: nothing more is recorded
   EXPECT_EQ(rx.longData.load(), 1);
   EXPECT_EQ(midi.midiInStop(in), MMSYSERR_NOERROR);
-  EXPECT_EQ(midi.midiInUnprepareHeader(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
-}
+  EXPECT_EQ(midi.midiInUnprepareHeader(in, &b.hdr, kMidiHdrSize), MMSYSERR_NOERROR);
 
-TEST_F(Service, AReplyLongerThanTheBufferIsCut) {
-  open();
-  std::uint8_t buffer[129]{};
-  MidiHdr hdr;
-  hdr.lpData = buffer;
-  hdr.dwBufferLength = 128;
-  midi.midiInPrepareHeader(in, &hdr, kMidiHdrSize);
-  midi.midiInAddBuffer(in, &hdr, kMidiHdrSize);
-  midi.midiInStart(in);
+  InBuffer small;
+  test::arm(midi, in, small);
   cs2x.transmit(bulkDump(kModelXg, {0x08, 0x04, 0x00}, Bytes(150, 0x01)));
-  EXPECT_EQ(hdr.dwBytesRecorded, 128u);
-  EXPECT_EQ(buffer[128], 0);
+  EXPECT_EQ(small.hdr.dwBytesRecorded, 128u);
+  EXPECT_EQ(small.bytes[128], 0);
 }
 
 TEST_F(Service, AStoppedInputLetsNothingInAndResetReturnsTheBufferEmpty) {
-  open();
-  std::uint8_t buffer[129]{};
-  MidiHdr hdr;
-  hdr.lpData = buffer;
-  hdr.dwBufferLength = 128;
-  midi.midiInPrepareHeader(in, &hdr, kMidiHdrSize);
-  midi.midiInAddBuffer(in, &hdr, kMidiHdrSize);
+  InBuffer b;
+  test::arm(midi, in, b, false);
   cs2x.transmit(Bytes{0xF0, 0x43, 0xF7});  // input not started
-  EXPECT_EQ(hdr.dwBytesRecorded, 0u);
+  EXPECT_EQ(b.hdr.dwBytesRecorded, 0u);
   EXPECT_EQ(midi.midiInClose(in), MIDIERR_STILLPLAYING);  // a buffer is still queued
   EXPECT_EQ(midi.midiInReset(in), MMSYSERR_NOERROR);
-  EXPECT_TRUE(hdr.dwFlags & MHDR_DONE);
-  EXPECT_EQ(hdr.dwBytesRecorded, 0u);
-  EXPECT_EQ(midi.midiInUnprepareHeader(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
+  EXPECT_TRUE(b.hdr.dwFlags & MHDR_DONE);
+  EXPECT_EQ(b.hdr.dwBytesRecorded, 0u);
+  EXPECT_EQ(midi.midiInUnprepareHeader(in, &b.hdr, kMidiHdrSize), MMSYSERR_NOERROR);
   EXPECT_EQ(midi.midiInClose(in), MMSYSERR_NOERROR);
 }
 
 TEST_F(Service, AnyBytesArrivingAtTheInputAreTakenWithinTheBuffer) {
-  open();
   std::uint32_t seed = 12345;
   auto next = [&seed] { return seed = seed * 1103515245u + 12345u; };
   for (int round = 0; round < 500; ++round) {
-    std::uint8_t buffer[129]{};
-    MidiHdr hdr;
-    hdr.lpData = buffer;
-    hdr.dwBufferLength = 128;
-    midi.midiInPrepareHeader(in, &hdr, kMidiHdrSize);
-    midi.midiInAddBuffer(in, &hdr, kMidiHdrSize);
-    midi.midiInStart(in);
+    InBuffer b;
+    test::arm(midi, in, b);
     Bytes junk(next() % 300);
-    for (auto& b : junk) b = static_cast<std::uint8_t>(next() >> 16);
+    for (auto& byte : junk) byte = static_cast<std::uint8_t>(next() >> 16);
     if (round % 2 && !junk.empty()) junk[0] = 0xF0;  // half of them look like SysEx
     cs2x.transmit(junk);
     midi.midiInStop(in);
     midi.midiInReset(in);
-    ASSERT_EQ(midi.midiInUnprepareHeader(in, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
-    ASSERT_LE(hdr.dwBytesRecorded, 128u);
-    ASSERT_EQ(buffer[128], 0);
+    ASSERT_EQ(midi.midiInUnprepareHeader(in, &b.hdr, kMidiHdrSize), MMSYSERR_NOERROR);
+    ASSERT_LE(b.hdr.dwBytesRecorded, 128u);
+    ASSERT_EQ(b.bytes[128], 0);
   }
 }
 
 TEST_F(Service, ThruPassesInputToOutputOnlyWhileConnectedAndStarted) {
-  open();
   const Bytes note{0x90, 0x3C, 0x64};
   cs2x.transmit(note);  // neither connected nor started
   ASSERT_EQ(midi.midiConnect(in, out), MMSYSERR_NOERROR);
@@ -230,47 +188,33 @@ TEST_F(Service, ThruPassesInputToOutputOnlyWhileConnectedAndStarted) {
 }
 
 TEST_F(Service, ThruFromAnotherThreadDoesNotInterleaveWithOwnSends) {
-  open();
   midi.midiConnect(in, out);
   midi.midiInStart(in);
   const Bytes played{0xF0, 0x7E, 0x01, 0x02, 0x03, 0xF7};
   std::thread player([&] {
     for (int i = 0; i < 200; ++i) cs2x.transmit(played);
   });
-  for (int i = 0; i < 200; ++i) ASSERT_EQ(sendLong({0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x00, 0xF7}), 0u);
+  for (int i = 0; i < 200; ++i)
+    ASSERT_EQ(test::sendLong(midi, out, {0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x00, 0xF7}), 0u);
   player.join();
   const auto log = cs2x.log();
   ASSERT_EQ(log.size(), 400u);
   for (const auto& m : log) EXPECT_TRUE(m.bytes == played || m.bytes.size() == 9u);
 }
 
-TEST_F(Service, APacedInstrumentTakesTheWireTimeOfALongMessage) {
-  VirtualCs2x paced({.silent = false, .replyLatency = {}, .paced = true});
-  VirtualCs2xProvider provider(paced);
-  PortMidiService service({&provider});
+TEST(PacedService, ALongMessageTakesItsWireTimeBeforeTheCallReturns) {
+  test::BuiltIn paced({.paced = true});
   MidiHandle h = 0;
-  ASSERT_EQ(service.midiOutOpen(h, 0), 0u);
+  ASSERT_EQ(paced.midi.midiOutOpen(h, 0), 0u);
   Bytes bytes(100, 0x00);
   bytes.front() = 0xF0;
   bytes.back() = 0xF7;
-  MidiHdr hdr;
-  hdr.lpData = bytes.data();
-  hdr.dwBufferLength = 100;
+  MidiHdr hdr{.lpData = bytes.data(), .dwBufferLength = 100};
   const auto start = std::chrono::steady_clock::now();
-  service.midiOutPrepareHeader(h, &hdr, kMidiHdrSize);
-  service.midiOutLongMsg(h, &hdr, kMidiHdrSize);
+  paced.midi.midiOutPrepareHeader(h, &hdr, kMidiHdrSize);
+  paced.midi.midiOutLongMsg(h, &hdr, kMidiHdrSize);
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::microseconds(32000));  // 100 bytes at 320 µs
-  EXPECT_EQ(service.midiOutUnprepareHeader(h, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
-}
-
-TEST_F(Service, EveryCodeOfTheVocabularyHasAText) {
-  std::string text;
-  for (MMRESULT code : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 64u, 65u, 66u, 67u, 68u, 69u, 70u, 71u}) {
-    EXPECT_EQ(midi.midiOutGetErrorText(code, text), MMSYSERR_NOERROR) << code;
-    EXPECT_FALSE(text.empty());
-    EXPECT_LT(text.size(), 128u);
-  }
-  EXPECT_EQ(midi.midiInGetErrorText(12345, text), MMSYSERR_BADERRNUM);
+  EXPECT_EQ(paced.midi.midiOutUnprepareHeader(h, &hdr, kMidiHdrSize), MMSYSERR_NOERROR);
 }
 
 }  // namespace tessivo

@@ -2,65 +2,45 @@
 // the transmit channel, and the sliders that mirror the test note lists.
 #include <gtest/gtest.h>
 
-#include "shell/app.h"
 #include "support/scripted.h"
 
 namespace tessivo {
-using test::hex;
+using Texts = std::vector<std::string>;
 
-class Auditioning : public ::testing::Test, protected test::ScriptedProgram {
- protected:
-  MainForm* form = nullptr;
-
-  void SetUp() override {
-    form = &start();
-    midi.sent.clear();
-  }
-};
+using Auditioning = test::StartedProgram;
 
 TEST_F(Auditioning, ALayerIsHeardAloneInOneMessageAndTheOthersComeBackAsTheyWere) {
   form->performance().LyrOnTbl = {0, 1, 1, 1, 0};
   form->audition().CmdLyr_Press(2);
   form->audition().CmdLyr_Release(2);
-  ASSERT_EQ(midi.sent.size(), 2u);
-  EXPECT_EQ(midi.sent[0].size(), 30u);
-  EXPECT_EQ(hex(midi.sent[0]),
-            "F0 43 10 63 60 01 16 00 F7 F0 43 10 63 60 03 16 00 F7 F0 43 10 63 60 04 16 00 F7 90 43 7F");
-  EXPECT_EQ(hex(midi.sent[1]),
-            "F0 43 10 63 60 01 16 01 F7 F0 43 10 63 60 03 16 01 F7 F0 43 10 63 60 04 16 00 F7 80 43 7F");
+  EXPECT_EQ(sentHex(), (Texts{"F0 43 10 63 60 01 16 00 F7 F0 43 10 63 60 03 16 00 F7 F0 43 10 63 60 04 16 00 F7 90 43 7F",
+                              "F0 43 10 63 60 01 16 01 F7 F0 43 10 63 60 03 16 01 F7 F0 43 10 63 60 04 16 00 F7 80 43 7F"}));
 }
 
-TEST_F(Auditioning, ThePerformanceSoundsOnItsChannelAndCanTakeTheTransmitChannel) {
+TEST_F(Auditioning, PerformanceAndMultiSoundOnTheirChannelsAndCanTakeTheTransmitChannel) {
   app.pref().cmbPerfChnl.setIndex(2);
+  form->row(7).CmbMult.setIndex(9);
   midi.sent.clear();
   form->TrnsChnlAssgn_Click();
   form->audition().CmdPrfm_Press();
   form->audition().CmdPrfm_Release();
-  ASSERT_EQ(midi.sent.size(), 3u);
-  EXPECT_EQ(hex(midi.sent[0]), "92 43 7F");
-  EXPECT_EQ(hex(midi.sent[1]), "F0 43 10 63 50 00 0A 00 F7");
-  EXPECT_EQ(hex(midi.sent[2]), "82 43 7F");
   form->audition().CmdLyr_Press(4);
-  EXPECT_EQ(hex(midi.sent[4]), "F0 43 10 63 50 00 0A 00 F7");  // 00 for a Layer too
-}
-
-TEST_F(Auditioning, AMultiSoundsOnItsOwnChannelAndTellsTheTransmitChannel) {
-  form->row(7).CmbMult.setIndex(9);
-  form->TrnsChnlAssgn_Click();
   form->audition().CmdMult_Press(7, form->row(7).CmbMult.index());
-  ASSERT_EQ(midi.sent.size(), 2u);
-  EXPECT_EQ(hex(midi.sent[0]), "99 43 7F");
-  EXPECT_EQ(hex(midi.sent[1]), "F0 43 10 63 50 00 0A 09 F7");
+  const auto sent = sentHex();
+  ASSERT_EQ(sent.size(), 7u);
+  EXPECT_EQ(Texts(sent.begin(), sent.begin() + 3), (Texts{"92 43 7F", "F0 43 10 63 50 00 0A 00 F7", "82 43 7F"}));
+  EXPECT_EQ(sent[4], "F0 43 10 63 50 00 0A 00 F7");  // 00 for a Layer too
+  EXPECT_EQ(Texts(sent.begin() + 5, sent.end()), (Texts{"99 43 7F", "F0 43 10 63 50 00 0A 09 F7"}));
   // A click without moving: the drop on the button itself ends the note, and nothing else.
   midi.sent.clear();
   form->DragDrop("CmdMult7", "CmdMult7");
   ASSERT_EQ(midi.sent.size(), 2u);
-  EXPECT_EQ(midi.sent[0].size(), 48u);
+  EXPECT_EQ(midi.sent[0], allNotesOffSequence());
   EXPECT_EQ(midi.sent[1].size(), 84u);
   EXPECT_TRUE(form->pool().LbxLyrPool.items.empty());
 }
 
-TEST_F(Auditioning, TheTestNoteComesFromTheListsWhichTheSlidersMirror) {
+TEST_F(Auditioning, TheTestNoteComesFromTheListsWhichTheSlidersMirrorAndNoNoteSendsNothing) {
   form->CmbMidNtNo.setIndex(60);
   EXPECT_EQ(form->SldNt.value, 67);
   form->SldNt.value = 127;
@@ -73,10 +53,9 @@ TEST_F(Auditioning, TheTestNoteComesFromTheListsWhichTheSlidersMirror) {
   form->SldVel_Scroll();
   EXPECT_EQ(form->CmbMidVel.index(), 100);
   form->audition().CmdPrfm_Press();
-  EXPECT_EQ(hex(midi.sent.back()), "90 7F 64");
-}
+  EXPECT_EQ(sentHex(), Texts{"90 7F 64"});
 
-TEST_F(Auditioning, NoNoteIsChosenNoNoteIsSent) {
+  midi.sent.clear();
   form->CmbMidNtNo.clear();
   form->audition().CmdPrfm_Press();
   form->audition().CmdLyr_Press(1);

@@ -8,30 +8,26 @@
 namespace tessivo {
 using test::hex;
 
-class Pooling : public ::testing::Test, protected test::ScriptedProgram {
+class Pooling : public test::StartedProgram {
  protected:
-  MainForm* form = nullptr;
   LayerPool* pool = nullptr;
 
   void SetUp() override {
-    form = &start();
-    pool = &form->pool();
     // A Performance with a name and an open Layer 2 whose volume is 101.
+    StartedProgram::SetUp();
+    pool = &form->pool();
     form->panel.TxtLyr[1].text = "SweepPd B";
     auto lyr2 = form->images().perf.Lyr(2);
     for (std::size_t i = 9; i < 54; ++i) lyr2[i] = 0x30;
     lyr2[16] = 101;
     lyr2[24] = 1;
-    midi.sent.clear();
-    screen.boxes.clear();
   }
   std::vector<int> records() const { return pool->LbxLyrPool.itemData; }
 };
 
 TEST_F(Pooling, ALayerEntersConvertedUnderTheTextOfItsBox) {
   form->DragDrop("LbxLyrPool", "TxtLyr2");
-  ASSERT_EQ(pool->LbxLyrPool.items.size(), 1u);
-  EXPECT_EQ(pool->LbxLyrPool.items[0], "SweepPd B");
+  EXPECT_EQ(pool->LbxLyrPool.items, std::vector<std::string>{"SweepPd B"});
   EXPECT_EQ(records(), (std::vector<int>{0}));
   EXPECT_EQ(pool->PoolFree[0], 0);
   const auto& body = pool->Pool[0].body;
@@ -46,14 +42,12 @@ TEST_F(Pooling, AMultiIsCopiedAndItsStartCaptionEntersAsMultiPart) {
   auto s1 = form->images().multi.section(4, 1);
   for (std::size_t i = 0; i < 74; ++i) s1[i] = static_cast<std::uint8_t>(i);
   form->DragDrop("LbxLyrPool", "CmdMult5");
-  ASSERT_EQ(pool->LbxLyrPool.items.size(), 1u);
-  EXPECT_EQ(pool->LbxLyrPool.items[0], "Multi Part");
+  form->row(6).CmdMult.caption = "Strings M6";
+  form->DragDrop("LbxLyrPool", "CmdMult6");
+  EXPECT_EQ(pool->LbxLyrPool.items, (std::vector<std::string>{"Multi Part", "Strings M6"}));
   const auto& body = pool->Pool[0].body;
   EXPECT_EQ(body[53 + 73], 73);  // section 1 copied whole
   EXPECT_EQ(body[53 + 74], 0);   // its spare byte untouched
-  form->row(6).CmdMult.caption = "Strings M6";
-  form->DragDrop("LbxLyrPool", "CmdMult6");
-  EXPECT_EQ(pool->LbxLyrPool.items[1], "Strings M6");
 }
 
 TEST_F(Pooling, TheLowestFreeRecordIsTakenWhateverTheListOrder) {

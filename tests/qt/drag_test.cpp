@@ -11,29 +11,16 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPushButton>
 #include <QSlider>
-#include <QTest>
 #include <memory>
 #include <optional>
 #include <set>
-#include <stdexcept>
 
-#include "instrument/virtual_cs2x.h"
-#include "link/port_service.h"
+#include "qt/qt_program.h"
 #include "shell/qt/gestures.h"
-#include "shell/qt/qt_app.h"
-#include "support/scripted.h"
 
 namespace tessivo::qt {
 namespace {
-
-template <typename W>
-W* child(QObject* parent, const QString& name) {
-  auto* w = parent->findChild<W*>(name);
-  if (w == nullptr) throw std::runtime_error("no " + name.toStdString());
-  return w;
-}
 
 std::unique_ptr<QMimeData> ours(const QString& source) { return std::unique_ptr<QMimeData>(sourceMimeData(source)); }
 
@@ -51,24 +38,15 @@ void release(QWidget* w, QPoint pos, Qt::MouseButton button = Qt::LeftButton) {
   mouse(w, QEvent::MouseButtonRelease, pos, button, Qt::NoButton);
 }
 
-class Dragging : public ::testing::Test {
+class Dragging : public QtProgram {
  protected:
-  VirtualCs2x cs2x;
-  VirtualCs2xProvider builtIn{cs2x};
-  PortMidiService midi{{&builtIn}};
-  QtApp app{midi};
-  test::TempFile prefs;
   MainWindow* main = nullptr;
   MainForm* form = nullptr;
   QListWidget* poolList = nullptr;
 
   void SetUp() override {
-    app.logic().pref().prefsPath = prefs.path;
-    app.start();
-    app.prefWindow()->findChild<QPushButton*>("OKButton")->click();
-    main = app.mainWindow();
+    main = startMainForm();
     ASSERT_NE(main, nullptr);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return main->isVisible(); }, 60000));
     form = app.logic().mainForm();
     poolList = child<QListWidget>(main, "LbxLyrPool");
   }
@@ -143,16 +121,27 @@ TEST_F(Dragging, ALayerDroppedOnThePoolBecomesAnEntryWhichAClickSelectsAndClearR
   EXPECT_TRUE(form->pool().LbxLyrPool.items.empty());
 }
 
-TEST_F(Dragging, AMultiSoundsFromItsPressUntilItsDropOnThePool) {
-  auto* button = child<QPushButton>(main, "CmdMult5");
-  const int channel = form->row(5).CmbMult.index();
-  startDrag(button);
-  EXPECT_EQ(cs2x.soundingNotes(), std::vector<VirtualCs2x::SoundingNote>{testNoteOn(channel)});
-
+TEST_F(Dragging, AMultiSoundsFromItsPressUntilItsDropOnThePoolOrItsReleaseWithoutADrag) {
+  auto* button5 = child<QPushButton>(main, "CmdMult5");
+  startDrag(button5);
+  EXPECT_EQ(cs2x.soundingNotes(), std::vector<VirtualCs2x::SoundingNote>{testNoteOn(form->row(5).CmbMult.index())});
   ASSERT_TRUE(dropOn(poolList, *ours("CmdMult5")));
   ASSERT_EQ(poolList->count(), 1);
   EXPECT_EQ(poolList->item(0)->text(), "Multi Part");
   EXPECT_TRUE(cs2x.soundingNotes().empty());
+
+  // The right button sounds it as well; a move short of the drag distance is no drag, and the
+  // release is a click that ends the note.
+  auto* button9 = child<QPushButton>(main, "CmdMult9");
+  const QPoint at = button9->rect().center();
+  press(button9, at, Qt::RightButton);
+  EXPECT_EQ(cs2x.soundingNotes(), std::vector<VirtualCs2x::SoundingNote>{testNoteOn(form->row(9).CmbMult.index())});
+  moveHeld(button9, at + QPoint(QApplication::startDragDistance() / 2, 0), Qt::RightButton);
+  EXPECT_FALSE(cs2x.soundingNotes().empty());
+  release(button9, at, Qt::RightButton);
+  EXPECT_TRUE(cs2x.soundingNotes().empty());
+  EXPECT_EQ(poolList->count(), 1);
+  EXPECT_FALSE(button9->isDown());
 }
 
 TEST_F(Dragging, DropsOfForeignDataOrOnOtherControlsAddNothingButStopTheNotes) {
@@ -174,21 +163,6 @@ TEST_F(Dragging, DropsOfForeignDataOrOnOtherControlsAddNothingButStopTheNotes) {
   EXPECT_TRUE(dropOn(client, *ours("TxtLyr1"), bare));
   EXPECT_TRUE(allNotesOffReceived());
   EXPECT_EQ(poolList->count(), 0);
-}
-
-TEST_F(Dragging, APressAndReleaseWithoutADragIsAClickThatEndsTheMultisNote) {
-  auto* button = child<QPushButton>(main, "CmdMult9");
-  const int channel = form->row(9).CmbMult.index();
-  const QPoint at = button->rect().center();
-  // The right button sounds it as well; a move short of the drag distance is no drag.
-  press(button, at, Qt::RightButton);
-  EXPECT_EQ(cs2x.soundingNotes(), std::vector<VirtualCs2x::SoundingNote>{testNoteOn(channel)});
-  moveHeld(button, at + QPoint(QApplication::startDragDistance() / 2, 0), Qt::RightButton);
-  EXPECT_FALSE(cs2x.soundingNotes().empty());
-  release(button, at, Qt::RightButton);
-  EXPECT_TRUE(cs2x.soundingNotes().empty());
-  EXPECT_EQ(poolList->count(), 0);
-  EXPECT_FALSE(button->isDown());
 }
 
 TEST_F(Dragging, PerformanceAndLayerButtonsSoundWhileHeldByEitherMouseButtonUnlessDisabled) {
@@ -244,10 +218,3 @@ TEST_F(Dragging, TheSlidersAndTheTestNoteListsMirrorEachOtherWithTheHighestAtThe
 
 }  // namespace
 }  // namespace tessivo::qt
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication app(argc, argv);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
-}

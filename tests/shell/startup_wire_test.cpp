@@ -2,96 +2,65 @@
 // what the main form shows afterwards.
 #include <gtest/gtest.h>
 
-#include "instrument/virtual_cs2x.h"
-#include "link/port_service.h"
-#include "shell/app.h"
 #include "support/scripted.h"
 
 namespace tessivo {
 using test::hex;
+using Texts = std::vector<std::string>;
 
-class StartAgainstInstrument : public ::testing::Test {
+class StartAgainstInstrument : public ::testing::Test, protected test::BuiltIn {
  protected:
+  explicit StartAgainstInstrument(VirtualCs2xOptions options = {}) : test::BuiltIn(options) {}
   test::Events events;
   test::ScriptedScreen screen{events};
-  VirtualCs2x cs2x;
-  VirtualCs2xProvider builtIn{cs2x};
-  PortMidiService midi{{&builtIn}};
-  App app{midi, screen};
+  int polls = 0;
+  // A silent instrument's waits are counted, not slept; otherwise a reply ends each wait.
+  App app{midi, screen, cs2x.options().silent ? SleepFn([this](int) { ++polls; }) : SleepFn()};
   test::TempFile prefs;
 
-  void start(int perfChannel, std::initializer_list<int> multis = {}) {
+  MainForm& start(int perfChannel, std::initializer_list<int> multis = {}) {
     app.pref().prefsPath = prefs.path;
     app.Main();
     app.pref().cmbPerfChnl.setIndex(perfChannel);
     for (int m : multis) app.pref().ChkMlt(m).value = 1;
     app.OKButton_Click();
     app.Timer1_Tick();
-  }
-  std::vector<std::string> wire() {
-    std::vector<std::string> out;
-    for (const auto& m : cs2x.log()) out.push_back(hex(m.bytes));
-    return out;
-  }
-  static std::vector<std::string> dspPerf(const std::string& channel) {
-    return {"F0 43 10 63 50 00 00 00 F7", "F0 43 20 63 60 00 00 F7", "F0 43 20 63 60 00 40 F7", "F0 43 20 63 60 00 60 F7",
-            "F0 43 20 63 60 01 00 F7",    "F0 43 20 63 60 02 00 F7", "F0 43 20 63 60 03 00 F7", "F0 43 20 63 60 04 00 F7",
-            "F0 43 20 63 50 00 00 F7",    "F0 43 10 63 50 00 00 " + channel + " F7"};
+    return *app.mainForm();
   }
 };
 
+// DspPerf reads its eight blocks between channel 0 and the chosen channel; the start runs it twice.
 TEST_F(StartAgainstInstrument, TheWireCarriesProgramChangeTwoReadsAndTheChannelInOrder) {
   start(3);
-  std::vector<std::string> expected{"F0 43 10 63 50 00 00 00 F7", "B0 00 3F", "B0 20 40", "C0 00"};
-  for (int pass = 0; pass < 2; ++pass) {
-    const auto read = dspPerf("03");
-    expected.insert(expected.end(), read.begin(), read.end());
-  }
+  Texts expected{"F0 43 10 63 50 00 00 00 F7", "B0 00 3F", "B0 20 40", "C0 00"};
+  for (int pass = 0; pass < 2; ++pass)
+    expected.insert(expected.end(), {"F0 43 10 63 50 00 00 00 F7", "F0 43 20 63 60 00 00 F7", "F0 43 20 63 60 00 40 F7",
+                                     "F0 43 20 63 60 00 60 F7", "F0 43 20 63 60 01 00 F7", "F0 43 20 63 60 02 00 F7",
+                                     "F0 43 20 63 60 03 00 F7", "F0 43 20 63 60 04 00 F7", "F0 43 20 63 50 00 00 F7",
+                                     "F0 43 10 63 50 00 00 03 F7"});
   expected.push_back("F0 43 10 63 50 00 00 03 F7");
   EXPECT_EQ(wire(), expected);
   EXPECT_TRUE(screen.boxes.empty());
   EXPECT_EQ(cs2x.performanceChannel(), 3);
+  EXPECT_EQ(app.mainForm()->images().perf.Com0()[PerfImage::kPerfChannelAt], 3);
   // The instrument's input runs with thru on once the start is over.
   EXPECT_TRUE(cs2x.inputStarted());
   EXPECT_TRUE(cs2x.thruOn());
 }
 
-TEST_F(StartAgainstInstrument, TheFormShowsTheFirstPresetAndItsLayers) {
-  start(0);
-  MainForm& form = *app.mainForm();
+TEST_F(StartAgainstInstrument, TheFormShowsTheFirstPresetAndItsLayersAndAProgramChangesIt) {
+  MainForm& form = start(0);
   EXPECT_EQ(form.panel.CmdPrfm.caption, "Ministry");
   EXPECT_EQ(form.panel.TxtLyr[0].text, "MinistryA");
-  EXPECT_TRUE(form.panel.CmdLyr[0].enabled);
   PerfImage& image = form.images().perf;
-  for (int layer = 1; layer <= 4; ++layer) {
-    const bool on = image.layerSwitch(layer) == 1;
-    EXPECT_EQ(form.panel.CmdLyr[static_cast<std::size_t>(layer - 1)].enabled, on) << layer;
-  }
+  for (int layer = 1; layer <= 4; ++layer)
+    EXPECT_EQ(form.panel.CmdLyr[static_cast<std::size_t>(layer - 1)].enabled, image.layerSwitch(layer) == 1) << layer;
   // The image holds the instrument's blocks whole.
   EXPECT_EQ(hex(Bytes(image.bytes.begin() + PerfImage::kCom1At, image.bytes.begin() + PerfImage::kCom1At + 9)),
             "F0 43 00 63 00 34 60 00 00");
   EXPECT_EQ(image.Com0()[PerfImage::kPerfChannelAt], 0);
   EXPECT_EQ(app.link().List1.size(), 63u + 34 + 20 + 4 * 56 + 37);
-}
 
-TEST_F(StartAgainstInstrument, ACheckedMultiIsReadAndItsChannelShown) {
-  start(0, {9});
-  const auto w = wire();
-  int multiRequests = 0;
-  for (const auto& m : w)
-    if (m.rfind("F0 43 20 4C", 0) == 0) {
-      ++multiRequests;
-      EXPECT_EQ(m.substr(15, 2), "08") << m;  // part index 8 for Multi 9
-    }
-  EXPECT_EQ(multiRequests, 5);
-  const auto section0 = app.mainForm()->images().multi.section(8, 0);
-  EXPECT_EQ(section0[0], 0xF0);
-  EXPECT_EQ(app.mainForm()->row(9).CmbMult.index(), section0[13]);
-}
-
-TEST_F(StartAgainstInstrument, ChoosingAProgramChangesTheInstrumentsPerformance) {
-  start(0);
-  MainForm& form = *app.mainForm();
   form.performance().OptBank2_Click();
   form.panel.CmbPrgm.pick(5);
   EXPECT_EQ(form.panel.CmdPrfm.caption, "Pno&Str ");
@@ -102,9 +71,22 @@ TEST_F(StartAgainstInstrument, ChoosingAProgramChangesTheInstrumentsPerformance)
   EXPECT_TRUE(screen.boxes.empty());
 }
 
+TEST_F(StartAgainstInstrument, ACheckedMultiIsReadAndItsChannelShown) {
+  MainForm& form = start(0, {9});
+  int multiRequests = 0;
+  for (const auto& m : wire())
+    if (m.rfind("F0 43 20 4C", 0) == 0) {
+      ++multiRequests;
+      EXPECT_EQ(m.substr(15, 2), "08") << m;  // part index 8 for Multi 9
+    }
+  EXPECT_EQ(multiRequests, 5);
+  const auto section0 = form.images().multi.section(8, 0);
+  EXPECT_EQ(section0[0], 0xF0);
+  EXPECT_EQ(form.row(9).CmbMult.index(), section0[13]);
+}
+
 TEST_F(StartAgainstInstrument, NoGestureLeavesANoteSoundingAfterTheNextDrop) {
-  start(0);
-  MainForm& form = *app.mainForm();
+  MainForm& form = start(0);
   form.audition().CmdMult_Press(9, form.row(9).CmbMult.index());
   form.audition().CmdMult_Press(13, form.row(13).CmbMult.index());
   form.audition().CmdPrfm_Press();  // a release that never came
@@ -119,22 +101,15 @@ TEST_F(StartAgainstInstrument, NoGestureLeavesANoteSoundingAfterTheNextDrop) {
     EXPECT_EQ(cs2x.layerSwitch(layer), form.performance().LyrOnTbl[static_cast<std::size_t>(layer)]) << layer;
 }
 
-TEST(StartSilent, ASilentInstrumentGivesZeroBlocksAndNoBox) {
-  test::Events events;
-  test::ScriptedScreen screen{events};
-  VirtualCs2x cs2x({.silent = true, .replyLatency = {}, .paced = false});
-  VirtualCs2xProvider builtIn{cs2x};
-  PortMidiService midi{{&builtIn}};
-  int polls = 0;
-  App app{midi, screen, [&](int) { ++polls; }};  // the waits are counted, not slept
-  test::TempFile prefs;
-  app.pref().prefsPath = prefs.path;
-  app.Main();
-  app.OKButton_Click();
-  app.Timer1_Tick();
+class StartSilent : public StartAgainstInstrument {
+ protected:
+  StartSilent() : StartAgainstInstrument({.silent = true}) {}
+};
+
+TEST_F(StartSilent, ASilentInstrumentGivesZeroBlocksAndNoBox) {
+  MainForm& form = start(0);
   EXPECT_EQ(polls, 16 * 400);
   EXPECT_TRUE(screen.boxes.empty());
-  MainForm& form = *app.mainForm();
   EXPECT_EQ(form.panel.CmdPrfm.caption, std::string(8, '\0'));
   for (const auto& layer : form.panel.CmdLyr) EXPECT_FALSE(layer.enabled);
   EXPECT_TRUE(app.link().List1.empty());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <thread>
 #include <unistd.h>
 
 namespace tessivo::test {
@@ -18,6 +19,12 @@ std::string hex(const Bytes& bytes) {
   return s;
 }
 
+std::vector<std::string> hex(const std::vector<Bytes>& messages) {
+  std::vector<std::string> out;
+  for (const Bytes& m : messages) out.push_back(hex(m));
+  return out;
+}
+
 TempFile::TempFile() {
   static int count = 0;
   path = (std::filesystem::temp_directory_path() /
@@ -31,6 +38,14 @@ TempFile::~TempFile() {
   std::filesystem::remove(path, ec);
 }
 
+ScriptedLink::ScriptedLink() {
+  link.setLengthTables();
+  link.attachImages(&images);
+  midi.midiOutOpen(link.MidiOutHnd, 0);
+  midi.midiInOpen(link.MidiInHnd, 0, &MidiLink::MidiInCB, link.callbackInstance(), CALLBACK_FUNCTION);
+  events.clear();
+}
+
 ScriptedProgram::ScriptedProgram() : app(midi, screen, [this](int ms) { sleeps.push_back(ms); }) {
   app.pref().prefsPath = prefs.path;
 }
@@ -40,6 +55,26 @@ MainForm& ScriptedProgram::start() {
   app.OKButton_Click();
   app.Timer1_Tick();
   return *app.mainForm();
+}
+
+std::vector<std::string> BuiltIn::wire() const {
+  std::vector<std::string> out;
+  for (const auto& m : cs2x.log()) out.push_back(hex(m.bytes));
+  return out;
+}
+
+MMRESULT arm(MidiService& midi, MidiHandle in, InBuffer& buffer, bool start) {
+  if (MMRESULT r = midi.midiInPrepareHeader(in, &buffer.hdr, kMidiHdrSize)) return r;
+  if (MMRESULT r = midi.midiInAddBuffer(in, &buffer.hdr, kMidiHdrSize)) return r;
+  return start ? midi.midiInStart(in) : MMSYSERR_NOERROR;
+}
+
+MMRESULT sendLong(MidiService& midi, MidiHandle out, Bytes bytes) {
+  MidiHdr hdr{.lpData = bytes.data(), .dwBufferLength = static_cast<std::uint32_t>(bytes.size())};
+  if (MMRESULT r = midi.midiOutPrepareHeader(out, &hdr, kMidiHdrSize)) return r;
+  const MMRESULT r = midi.midiOutLongMsg(out, &hdr, kMidiHdrSize);
+  while (midi.midiOutUnprepareHeader(out, &hdr, kMidiHdrSize) == MIDIERR_STILLPLAYING) std::this_thread::yield();
+  return r;
 }
 
 std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part) {
@@ -53,18 +88,7 @@ std::int32_t deviceNamed(MidiService& midi, bool input, const std::string& part)
   return -1;
 }
 
-const char* formName(FormId form) {
-  switch (form) {
-    case FormId::Pref: return "frmPref";
-    case FormId::Splash: return "frmSplash";
-    case FormId::Main: return "CS2x";
-  }
-  return "?";
-}
-
-MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail, MidiHandle handle) {
-  ++calls[op];
-  events_.push_back(detail.empty() ? op : op + " " + detail);
+MMRESULT ScriptedMidi::result(const std::string& op, MidiHandle handle) {
   auto& queue = script[op];
   if (!queue.empty()) {
     MMRESULT r = queue.front();
@@ -76,15 +100,18 @@ MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail, Mi
   return handle == 0 ? MMSYSERR_INVALHANDLE : MMSYSERR_NOERROR;  // a port that never opened
 }
 
+MMRESULT ScriptedMidi::call(const std::string& op, const std::string& detail, MidiHandle handle) {
+  ++calls[op];
+  events_.push_back(detail.empty() ? op : op + " " + detail);
+  return result(op, handle);
+}
+
 std::vector<std::string> ScriptedMidi::midiCalls() const {
   std::vector<std::string> out;
   for (const std::string& e : events_)
     if (e.rfind("midi", 0) == 0) out.push_back(e);
   return out;
 }
-
-std::uint32_t ScriptedMidi::midiOutGetNumDevs() { return static_cast<std::uint32_t>(outNames.size()); }
-std::uint32_t ScriptedMidi::midiInGetNumDevs() { return static_cast<std::uint32_t>(inNames.size()); }
 
 MMRESULT ScriptedMidi::midiOutGetDevCaps(std::uint32_t device, std::string& name) {
   MMRESULT r = call("midiOutGetDevCaps", std::to_string(device));
@@ -108,32 +135,20 @@ MMRESULT ScriptedMidi::midiInOpen(MidiHandle& handle, std::uint32_t device, Midi
                                   std::uintptr_t inst, std::uint32_t flags) {
   MMRESULT r = call("midiInOpen", std::to_string(device) + (flags == CALLBACK_FUNCTION ? " callback" : ""));
   handle = r == 0 ? 0x0A : 0;
-  callback = cb;
-  instance = inst;
+  callback_ = cb;
+  instance_ = inst;
   return r;
 }
 
-MMRESULT ScriptedMidi::midiConnect(MidiHandle in, MidiHandle out) { return call("midiConnect", "", in && out); }
-MMRESULT ScriptedMidi::midiDisconnect(MidiHandle in, MidiHandle out) { return call("midiDisconnect", "", in && out); }
-MMRESULT ScriptedMidi::midiInStart(MidiHandle in) { return call("midiInStart", "", in); }
-MMRESULT ScriptedMidi::midiInStop(MidiHandle in) { return call("midiInStop", "", in); }
 MMRESULT ScriptedMidi::midiInReset(MidiHandle in) {
   armed_ = nullptr;
   return call("midiInReset", "", in);
 }
-MMRESULT ScriptedMidi::midiInPrepareHeader(MidiHandle in, MidiHdr*, std::uint32_t) {
-  return call("midiInPrepareHeader", "", in);
-}
+
 MMRESULT ScriptedMidi::midiInAddBuffer(MidiHandle in, MidiHdr* hdr, std::uint32_t) {
   MMRESULT r = call("midiInAddBuffer", "", in);
   if (r == 0) armed_ = hdr;
   return r;
-}
-MMRESULT ScriptedMidi::midiInUnprepareHeader(MidiHandle in, MidiHdr*, std::uint32_t) {
-  return call("midiInUnprepareHeader", "", in);
-}
-MMRESULT ScriptedMidi::midiOutPrepareHeader(MidiHandle out, MidiHdr*, std::uint32_t) {
-  return call("midiOutPrepareHeader", "", out);
 }
 
 MMRESULT ScriptedMidi::midiOutLongMsg(MidiHandle out, MidiHdr* hdr, std::uint32_t) {
@@ -148,27 +163,11 @@ MMRESULT ScriptedMidi::midiOutLongMsg(MidiHandle out, MidiHdr* hdr, std::uint32_
       const std::size_t n = std::min<std::size_t>(reply->size(), in->dwBufferLength);
       std::copy(reply->begin(), reply->begin() + static_cast<std::ptrdiff_t>(n), in->lpData);
       in->dwBytesRecorded = static_cast<std::uint32_t>(n);
-      if (callback) callback(0x0A, MIM_LONGDATA, instance, reinterpret_cast<std::uintptr_t>(in), 0);
+      if (callback_) callback_(0x0A, MIM_LONGDATA, instance_, reinterpret_cast<std::uintptr_t>(in), 0);
     }
   }
   return r;
 }
-
-MMRESULT ScriptedMidi::midiOutUnprepareHeader(MidiHandle, MidiHdr*, std::uint32_t) {
-  ++calls["midiOutUnprepareHeader"];  // not in the event list: a send may try it 400 times
-  auto& queue = script["midiOutUnprepareHeader"];
-  if (!queue.empty()) {
-    MMRESULT r = queue.front();
-    queue.pop_front();
-    return r;
-  }
-  auto it = always.find("midiOutUnprepareHeader");
-  return it == always.end() ? MMSYSERR_NOERROR : it->second;
-}
-
-MMRESULT ScriptedMidi::midiOutReset(MidiHandle out) { return call("midiOutReset", "", out); }
-MMRESULT ScriptedMidi::midiInClose(MidiHandle in) { return call("midiInClose", "", in); }
-MMRESULT ScriptedMidi::midiOutClose(MidiHandle out) { return call("midiOutClose", "", out); }
 
 MMRESULT ScriptedMidi::midiOutGetErrorText(MMRESULT code, std::string& text) {
   text = "out error " + std::to_string(static_cast<std::int32_t>(code));
@@ -178,6 +177,12 @@ MMRESULT ScriptedMidi::midiOutGetErrorText(MMRESULT code, std::string& text) {
 MMRESULT ScriptedMidi::midiInGetErrorText(MMRESULT code, std::string& text) {
   text = "in error " + std::to_string(static_cast<std::int32_t>(code));
   return 0;
+}
+
+std::vector<std::string> ScriptedScreen::texts() const {
+  std::vector<std::string> out;
+  for (const Box& b : boxes) out.push_back(b.text);
+  return out;
 }
 
 MsgAnswer ScriptedScreen::messageBox(const std::string& text, const std::string& title, MsgButtons buttons,
@@ -190,23 +195,9 @@ MsgAnswer ScriptedScreen::messageBox(const std::string& text, const std::string&
   return a;
 }
 
-void ScriptedScreen::createForm(FormId form) { events_.push_back(std::string("create ") + formName(form)); }
-void ScriptedScreen::showForm(FormId form) {
-  visible[form] = true;
-  events_.push_back(std::string("show ") + formName(form));
-}
-void ScriptedScreen::hideForm(FormId form) {
-  visible[form] = false;
-  events_.push_back(std::string("hide ") + formName(form));
-}
-void ScriptedScreen::unloadForm(FormId form) {
-  visible[form] = false;
-  events_.push_back(std::string("unload ") + formName(form));
-}
-void ScriptedScreen::setBusy(bool b) { busy = b; }
-void ScriptedScreen::startTimer(int intervalMs) {
-  timerMs = intervalMs;
-  events_.push_back("timer " + std::to_string(intervalMs));
+void ScriptedScreen::log(const char* what, FormId form) {
+  const char* name = form == FormId::Pref ? "frmPref" : form == FormId::Splash ? "frmSplash" : "CS2x";
+  events_.push_back(what + std::string(name));
 }
 
 bool ScriptedScreen::showOpen(FileDialog& dialog) {
