@@ -85,7 +85,7 @@ TEST(LyrTemplate, VolumeIsHalvedTiesToEvenOnlyWhenTheGateIsOpen) {
   EXPECT_EQ(src.convert().section(0)[kVolumeAt], 0x64);
 }
 
-TEST(LyrTemplate, FilterSumsAndHighPassAreLimitedTo127) {
+TEST(LyrTemplate, FilterSumsAndHighPassStayWithin0To127) {
   Sources src;
   src.L[26] = 0x40;
   src.L[27] = 0x40;
@@ -96,6 +96,14 @@ TEST(LyrTemplate, FilterSumsAndHighPassAreLimitedTo127) {
   src.P[40] = 127;
   src.L[26] = 127;
   EXPECT_EQ(src.convert().section(0)[33], 127);
+  // Below zero the byte stays a data byte: 0, never a wrapped 0xC1.
+  src.P[41] = 0;
+  src.L[27] = 0;
+  EXPECT_EQ(src.convert().section(0)[34], 0);
+  src.L[27] = 63;
+  EXPECT_EQ(src.convert().section(0)[34], 0);
+  src.L[27] = 64;
+  EXPECT_EQ(src.convert().section(0)[34], 1);
   for (const auto& [cutoff, highPass] : {std::pair{0, 68}, {118, 127}, {119, 127}}) {  // 59.5 + 68: the whole part
     src.P[39] = static_cast<std::uint8_t>(cutoff);
     EXPECT_EQ(src.convert().section(4)[9], highPass) << cutoff;

@@ -9,6 +9,7 @@
 #include <QDropEvent>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QSlider>
@@ -214,6 +215,56 @@ TEST_F(Dragging, TheSlidersAndTheTestNoteListsMirrorEachOtherWithTheHighestAtThe
   QTest::keyClick(velocitySlider, Qt::Key_Down);
   EXPECT_EQ(form->CmbMidVel.index(), velocity - 1);
   EXPECT_EQ(velocitySlider->value(), 127 - (velocity - 1));
+}
+
+
+// A failed send during a press shows a box, and the box's event loop takes the release. The
+// press comes through the window system here, as a user's does, so the held buttons are real.
+TEST(PressAnsweredByABox, IsReleasedOnceTheBoxClosesAndLeavesNeitherButtonNorDragSourceDown) {
+  QWidget host;
+  host.resize(300, 100);
+  auto* held = new QPushButton("Held", &host);
+  held->setGeometry(10, 10, 80, 30);
+  auto* dragged = new QPushButton("Dragged", &host);
+  dragged->setGeometry(110, 10, 80, 30);
+  host.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&host));
+  QWindow* window = host.windowHandle();
+
+  std::vector<std::string> calls;
+  bool boxOnPress = true;
+  auto boxTakingTheRelease = [&](const char* what) {
+    calls.push_back(what);
+    if (!boxOnPress) return;
+    QMessageBox box(QMessageBox::NoIcon, "Tessivo", "failed");
+    QTimer::singleShot(0, &box, [&] {
+      QTest::mouseRelease(box.windowHandle(), Qt::LeftButton, {}, QPoint(5, 5));
+      box.accept();
+    });
+    box.exec();
+  };
+  new PressWatch(held, [&] { boxTakingTheRelease("press"); }, [&] { calls.push_back("release"); });
+  new DragSource(dragged, dragged,
+                 {.press = [&](QPoint) { boxTakingTheRelease("multi press"); },
+                  .dropOnItself = [&](QPoint) { calls.push_back("drop on itself"); },
+                  .doubleClick = {}});
+
+  QTest::mousePress(window, Qt::LeftButton, {}, QPoint(50, 25));
+  EXPECT_EQ(calls, (std::vector<std::string>{"press", "release"}));
+  EXPECT_FALSE(held->isDown());
+  QTest::mousePress(window, Qt::LeftButton, {}, QPoint(150, 25));
+  EXPECT_EQ(calls.back(), "drop on itself");
+  EXPECT_FALSE(dragged->isDown());
+
+  // Without a box the press is held until its own release.
+  calls.clear();
+  boxOnPress = false;
+  QTest::mousePress(window, Qt::LeftButton, {}, QPoint(50, 25));
+  EXPECT_EQ(calls, (std::vector<std::string>{"press"}));
+  EXPECT_TRUE(held->isDown());
+  QTest::mouseRelease(window, Qt::LeftButton, {}, QPoint(50, 25));
+  EXPECT_EQ(calls, (std::vector<std::string>{"press", "release"}));
+  EXPECT_FALSE(held->isDown());
 }
 
 }  // namespace
