@@ -68,6 +68,12 @@ bool openByName(Rt& rt, ErrorTrap& trap, const std::string& name, const std::str
   return false;
 }
 
+// JACK prints its own complaints when no server runs; the callers' answers say it all.
+void quietJack() {
+  jack_set_error_function([](const char*) {});
+  jack_set_info_function([](const char*) {});
+}
+
 }  // namespace
 
 // A client of its own that follows the server's cycles. JACK's shutdown notice does not always
@@ -78,8 +84,7 @@ bool openByName(Rt& rt, ErrorTrap& trap, const std::string& name, const std::str
 class JackWatch {
  public:
   static std::shared_ptr<JackWatch> open() {
-    jack_set_error_function([](const char*) {});
-    jack_set_info_function([](const char*) {});
+    quietJack();
     jack_status_t status{};
     jack_client_t* client = jack_client_open("tessivo-watch", JackNoStartServer, &status);
     if (!client) return nullptr;
@@ -118,13 +123,16 @@ class JackWatch {
 namespace {
 
 // A port of a JACK client whose server has gone can be neither closed nor destroyed: libjack
-// crashes on it. Such a port object is left behind, a few hundred bytes for a rare event.
+// crashes on it. Such a port object is left behind, a few hundred bytes for a rare event; true
+// when that was done.
 template <typename Rt>
-void abandon(std::unique_ptr<Rt> rt) {
+bool leftBehind(std::unique_ptr<Rt>& rt, const std::shared_ptr<JackWatch>& watch) {
+  if (!watch || !watch->serverGone()) return false;
   static std::mutex mutex;
   static std::vector<std::unique_ptr<Rt>>* orphans = new std::vector<std::unique_ptr<Rt>>;
   std::lock_guard lock(mutex);
   orphans->push_back(std::move(rt));
+  return true;
 }
 
 class RtIn : public InPort {
@@ -136,10 +144,7 @@ class RtIn : public InPort {
     rt_->setCallback(&RtIn::callback, this);
   }
   ~RtIn() override {
-    if (watch_ && watch_->serverGone()) {
-      abandon(std::move(rt_));
-      return;
-    }
+    if (leftBehind(rt_, watch_)) return;
     rt_->cancelCallback();
     rt_->closePort();
   }
@@ -170,11 +175,7 @@ class RtOut : public OutPort {
     rt_->setErrorCallback(&ErrorTrap::callback, &trap_);
   }
   ~RtOut() override {
-    if (watch_ && watch_->serverGone()) {
-      abandon(std::move(rt_));
-      return;
-    }
-    rt_->closePort();
+    if (!leftBehind(rt_, watch_)) rt_->closePort();
   }
   bool open(const std::string& name) { return openByName(*rt_, trap_, name, "MIDI Out"); }
   bool send(std::span<const std::uint8_t> message) override {
@@ -205,9 +206,7 @@ bool alsaSequencerAvailable() {
 }
 
 bool jackServerRunning() {
-  // JACK prints its own complaints when no server runs; the answer here says it all.
-  jack_set_error_function([](const char*) {});
-  jack_set_info_function([](const char*) {});
+  quietJack();
   jack_status_t status{};
   jack_client_t* client = jack_client_open("tessivo-probe", JackNoStartServer, &status);
   if (!client) return false;

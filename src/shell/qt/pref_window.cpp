@@ -88,13 +88,7 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
   // The density of exported MIDI files: the high end at the left.
   // Its caption stands over the slider's middle: a wide font widens it to both sides, clear
   // of "High" and "Low".
-  QLabel* density = label(this, "Label6_0", "Midi File Density");
-  density->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-  place(density, 3960, 1920, 1095, 255);
-  if (density->sizeHint().width() > density->width()) {
-    const int grow = density->sizeHint().width() - density->width();
-    density->setGeometry(density->x() - (grow + 1) / 2, density->y(), density->sizeHint().width(), density->height());
-  }
+  placeLabelCentred(label(this, "Label6_0", "Midi File Density"), 3960, 1920, 1095, 255);
   slider1_ = new QSlider(Qt::Horizontal, this);
   slider1_->setObjectName("Slider1");
   slider1_->setTickPosition(QSlider::NoTicks);

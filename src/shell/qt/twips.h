@@ -20,6 +20,14 @@ inline void placeLabel(QWidget* w, int left, int top, int width, int height) {
   if (w->sizeHint().width() > w->width()) w->resize(w->sizeHint().width(), w->height());
 }
 
+// A centred caption is never cut either: it grows to both sides alike.
+inline void placeLabelCentred(QLabel* w, int left, int top, int width, int height) {
+  w->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+  place(w, left, top, width, height);
+  const int grow = w->sizeHint().width() - w->width();
+  if (grow > 0) w->setGeometry(w->x() - (grow + 1) / 2, w->y(), w->sizeHint().width(), w->height());
+}
+
 // A word-wrapped label shows every line: where its text takes more lines than its height
 // holds, it first widens (never beyond maxRight, in twips; 0 keeps the width) as far as that
 // saves lines, then grows downwards.
