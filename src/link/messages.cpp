@@ -56,14 +56,14 @@ Bytes multiSectionRequest(std::int16_t part, std::int16_t section) {
 
 Bytes allNotesOffSequence() {
   Bytes m;
-  for (std::uint8_t c = 0; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(0xB0 + c), 0x7B, 0x00});
+  for (std::uint8_t c = 0; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(kControlChange + c), kCtlAllNotesOff, 0x00});
   return m;
 }
 
 Bytes testNoteOffSequence(std::uint8_t note, std::uint8_t velocity) {
   Bytes m;
-  for (std::uint8_t c = 0; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(0x80 + c), note, velocity});
-  for (std::uint8_t c = 4; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(0x80 + c), note, velocity});
+  for (std::uint8_t c = 0; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(kNoteOff + c), note, velocity});
+  for (std::uint8_t c = 4; c < 16; ++c) m.insert(m.end(), {static_cast<std::uint8_t>(kNoteOff + c), note, velocity});
   return m;
 }
 

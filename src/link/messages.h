@@ -12,6 +12,16 @@ namespace tessivo {
 
 using Bytes = std::vector<std::uint8_t>;
 
+// Status bytes of channel messages; the low nibble is the channel 0..15.
+inline constexpr std::uint8_t kNoteOff = 0x80;
+inline constexpr std::uint8_t kNoteOn = 0x90;
+inline constexpr std::uint8_t kControlChange = 0xB0;
+inline constexpr std::uint8_t kProgramChange = 0xC0;
+// Controller numbers the program sends.
+inline constexpr std::uint8_t kCtlBankMsb = 0x00;
+inline constexpr std::uint8_t kCtlBankLsb = 0x20;
+inline constexpr std::uint8_t kCtlAllNotesOff = 0x7B;
+
 inline constexpr std::uint8_t kSysExStart = 0xF0;
 inline constexpr std::uint8_t kSysExEnd = 0xF7;
 inline constexpr std::uint8_t kYamahaId = 0x43;
@@ -94,6 +104,12 @@ inline constexpr std::array<MultiSection, 5> kMultiSections{{
 // 6 Com2, 7 Com3, 8 Com0, 9 a Layer (index 10 stays 0). RtrvLen: Layers 0..3, 4 Com0, 5..7 Com1..3.
 inline constexpr std::array<std::int16_t, 10> kSctnLenAtStart{52, 74, 15, 23, 13, 63, 34, 20, 37, 56};
 inline constexpr std::array<std::int16_t, 8> kRtrvLenAtStart{56, 56, 56, 56, 37, 63, 34, 20};
+
+// The twelve Multi Parts the program works on are numbered M5 to M16; the part index, the
+// middle byte of a part's XG addresses, is M - 1.
+inline constexpr int kFirstMulti = 5;
+inline constexpr int kLastMulti = 16;
+inline constexpr int kMultiRows = kLastMulti - kFirstMulti + 1;
 
 // Dump request of section s of the part numbered `part` (1-based: M5 is 5).
 Bytes multiSectionRequest(std::int16_t part, std::int16_t section);

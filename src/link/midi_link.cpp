@@ -222,7 +222,11 @@ void MidiLink::RtrvBlock(std::int16_t kind, std::int16_t part, std::int16_t sect
   for (std::size_t i = 1; i <= recorded; ++i) List1.push_back(logLine(label, static_cast<int>(i), buffer[i - 1]));
 
   if (LoadingFlag != 0) return;  // while the form fills, the thru path stays off between blocks
-  r = midi_.midiConnect(MidiInHnd, MidiOutHnd);
+  ConnectThru();
+}
+
+void MidiLink::ConnectThru() {
+  MMRESULT r = midi_.midiConnect(MidiInHnd, MidiOutHnd);
   if (r != MMSYSERR_NOERROR) {
     MidiInErr("Connect", static_cast<std::int16_t>(r));
     return;

@@ -124,6 +124,9 @@ class MidiLink {
   void SndSysExData(std::span<const std::uint8_t> text, std::int16_t mode, std::int16_t part,
                     std::int16_t section);
 
+  // The thru path on: midiConnect, and only if that worked midiInStart, each failure in its box.
+  void ConnectThru();
+
   // Dump requests of the Performance blocks (kinds 0..6 and 8) and of a Multi section.
   void ReqPerfBlock(std::int16_t kind);
   void ReqMltSctn(std::int16_t part, std::int16_t section);

@@ -6,7 +6,7 @@
 
 namespace tessivo {
 
-inline constexpr const char* kAppTitle = "Tessivo";  // title of boxes that name no other
+inline constexpr const char* kAppTitle = "CS2x Tessivo";  // title of boxes that name no other
 
 enum class MsgButtons { Ok, OkCancel, YesNo };
 enum class MsgIcon { None, Question, Exclamation, Information, Critical };

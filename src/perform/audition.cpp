@@ -37,7 +37,7 @@ void Audition::CmdPrfm_Press() {
   std::uint8_t n, v;
   if (!testNote(n, v)) return;
   const int c = hooks_.perfChannel ? hooks_.perfChannel() : 0;
-  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0x90 + channelByte(c)), n, v});
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(kNoteOn + channelByte(c)), n, v});
   sendTransmitChannel(0);
 }
 
@@ -45,7 +45,7 @@ void Audition::CmdPrfm_Release() {
   std::uint8_t n, v;
   if (!testNote(n, v)) return;
   const int c = hooks_.perfChannel ? hooks_.perfChannel() : 0;
-  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0x80 + channelByte(c)), n, v});
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(kNoteOff + channelByte(c)), n, v});
 }
 
 void Audition::CmdLyr_Press(int layer) {
@@ -53,7 +53,7 @@ void Audition::CmdLyr_Press(int layer) {
   if (layer < 1 || layer > 4 || !testNote(n, v)) return;
   const int c = hooks_.perfChannel ? hooks_.perfChannel() : 0;
   Bytes m = layerSwitches(layer, false);  // mutes and note on in one message
-  m.insert(m.end(), {static_cast<std::uint8_t>(0x90 + channelByte(c)), n, v});
+  m.insert(m.end(), {static_cast<std::uint8_t>(kNoteOn + channelByte(c)), n, v});
   link_.SndSysEx(m);
   sendTransmitChannel(0);
 }
@@ -63,7 +63,7 @@ void Audition::CmdLyr_Release(int layer) {
   if (layer < 1 || layer > 4 || !testNote(n, v)) return;
   const int c = hooks_.perfChannel ? hooks_.perfChannel() : 0;
   Bytes m = layerSwitches(layer, true);
-  m.insert(m.end(), {static_cast<std::uint8_t>(0x80 + channelByte(c)), n, v});
+  m.insert(m.end(), {static_cast<std::uint8_t>(kNoteOff + channelByte(c)), n, v});
   link_.SndSysEx(m);
 }
 
@@ -71,14 +71,14 @@ void Audition::CmdMult_Press(int multi, int channel) {
   if (hooks_.editPanelVisible && hooks_.editPanelVisible() && hooks_.editMulti) hooks_.editMulti(multi);
   std::uint8_t n, v;
   if (channel < 0 || channel > 15 || !testNote(n, v)) return;
-  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0x90 + channel), n, v});
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(kNoteOn + channel), n, v});
   sendTransmitChannel(channel);
 }
 
 void Audition::CmdMult_Release(int, int channel) {
   std::uint8_t n, v;
   if (channel < 0 || channel > 15 || !testNote(n, v)) return;
-  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0x80 + channel), n, v});
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(kNoteOff + channel), n, v});
 }
 
 }  // namespace tessivo

@@ -61,7 +61,8 @@ void Performance::CmbPrgm_Click() {
   const std::uint8_t lsb = bankLsb(panel_.OptUser, !panel_.OptBank1);
   SndPrfChanZero();
   // Bank Select MSB and LSB, a lone 00, Program Change: nine bytes on channel 1.
-  link_.SndSysEx(Bytes{0xB0, 0x00, kBankMsb, 0xB0, 0x20, lsb, 0x00, 0xC0, static_cast<std::uint8_t>(program)});
+  link_.SndSysEx(Bytes{kControlChange, kCtlBankMsb, kBankMsb, kControlChange, kCtlBankLsb, lsb, 0x00, kProgramChange,
+                         static_cast<std::uint8_t>(program)});
   DspPerf();
   if (hooks_.effectsVisible && hooks_.effectsVisible() && hooks_.editEffects) hooks_.editEffects();
   screen.setBusy(false);

@@ -8,7 +8,7 @@
 
 #include "data/images.h"
 #include "link/midi_link.h"
-#include "shell/controls.h"
+#include "data/controls.h"
 
 namespace tessivo {
 

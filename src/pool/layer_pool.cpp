@@ -27,7 +27,7 @@ void LayerPool::Drop(const std::string& source) {
   tmpl_.InitLyrTmpl();
   if (source == "LbxLyrPool") return;
   const int layer = sourceNumber(source, "TxtLyr", 1, 4);
-  const int multi = layer ? 0 : sourceNumber(source, "CmdMult", 5, 16);
+  const int multi = layer ? 0 : sourceNumber(source, "CmdMult", kFirstMulti, kLastMulti);
   if (!layer && !multi) return;  // no drag source of this form
   const int i = lowestFree();
   if (i < 0) {

@@ -10,7 +10,7 @@
 #include "data/images.h"
 #include "data/multi_template.h"
 #include "link/midi_link.h"
-#include "shell/controls.h"
+#include "data/controls.h"
 
 namespace tessivo {
 

@@ -100,17 +100,6 @@ bool MainForm::openPorts() {
   return true;
 }
 
-void MainForm::connectThru() {
-  MidiService& midi = link_.midi();
-  MMRESULT r = midi.midiConnect(link_.MidiInHnd, link_.MidiOutHnd);
-  if (r != MMSYSERR_NOERROR) {
-    link_.MidiInErr("Connect", static_cast<std::int16_t>(r));
-    return;
-  }
-  r = midi.midiInStart(link_.MidiInHnd);
-  if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStart", static_cast<std::int16_t>(r));
-}
-
 void MainForm::readMultis() {
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
     if (pref_.ChkMlt(m).value == 0) continue;  // initialised with defaults instead
@@ -131,7 +120,7 @@ void MainForm::Form_Loadx() {
   panel.CmbPrgm.setIndex(0);  // its click changes the Performance and reads it
   perf_.DspPerf();
   readMultis();
-  connectThru();
+  link_.ConnectThru();
   perf_.ChngPrfMidiChan();
   link_.LoadingFlag = 0;
   Screen& screen = link_.screen();
@@ -196,13 +185,7 @@ void MainForm::AllNtsOff_Click() {
   link_.sleep(kAllNotesOffPauseMs);
   MMRESULT r = midi.midiInStop(link_.MidiInHnd);
   if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStop", static_cast<std::int16_t>(r));
-  r = midi.midiConnect(link_.MidiInHnd, link_.MidiOutHnd);
-  if (r != MMSYSERR_NOERROR) {
-    link_.MidiInErr("Connect", static_cast<std::int16_t>(r));
-  } else {
-    r = midi.midiInStart(link_.MidiInHnd);
-    if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStart", static_cast<std::int16_t>(r));
-  }
+  link_.ConnectThru();
   screen.setBusy(false);
 }
 
@@ -222,8 +205,8 @@ void MainForm::TrnsChnlAssgn_Click() { TrnsChnlAssgnChecked = !TrnsChnlAssgnChec
 void MainForm::CmdChngCntl_Click() {
   const auto channel = fieldByte(TxtParm[1].text), control = fieldByte(TxtParm[2].text),
              value = fieldByte(TxtParm[3].text);
-  if (!channel || !control || !value || *channel > 0xFF - 0xB0) return;  // no byte: refused
-  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(0xB0 + *channel), *control, *value});
+  if (!channel || !control || !value || *channel > 0xFF - kControlChange) return;  // no byte: refused
+  link_.SndSysEx(Bytes{static_cast<std::uint8_t>(kControlChange + *channel), *control, *value});
 }
 
 void MainForm::CmdChngParm_Click() {

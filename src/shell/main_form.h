@@ -12,14 +12,10 @@
 #include "perform/audition.h"
 #include "perform/performance.h"
 #include "pool/layer_pool.h"
-#include "shell/controls.h"
+#include "data/controls.h"
 #include "shell/pref_form.h"
 
 namespace tessivo {
-
-inline constexpr int kFirstMulti = 5;  // Multis are numbered 5 to 16; the part index is M - 1
-inline constexpr int kLastMulti = 16;
-inline constexpr int kMultiRows = kLastMulti - kFirstMulti + 1;
 
 struct MultiRow {
   ButtonCtl CmdMult;  // its caption holds the Multi's name
@@ -92,7 +88,6 @@ class MainForm {
  private:
   void fillStartLists();
   bool openPorts();
-  void connectThru();
   void readMultis();
 
   MidiLink& link_;

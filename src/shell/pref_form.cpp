@@ -5,7 +5,7 @@
 namespace tessivo {
 
 PrefForm::PrefForm(MidiLink& link) : link_(link) {
-  for (int m = 5; m <= 16; ++m) ChkMlt(m).caption = "Multi " + std::to_string(m);
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) ChkMlt(m).caption = "Multi " + std::to_string(m);
 }
 
 void PrefForm::Form_Load() {
@@ -22,7 +22,7 @@ void PrefForm::LdPrefs() {
   const auto record = readPrefsRecord(prefsPath);
   if (!record) return;  // no record yet: the defaults stand, and OK writes them
   const PrefsRecord& r = *record;
-  for (int m = 5; m <= 16; ++m) ChkMlt(m).value = r[kPrefMultiChecks + static_cast<std::size_t>(m - 5)];
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) ChkMlt(m).value = r[kPrefMultiChecks + static_cast<std::size_t>(m - kFirstMulti)];
   // A device that is no longer in the list falls back to the first one.
   auto device = [](ListCtl& list, int index) {
     list.setIndex(index < static_cast<int>(list.items.size()) ? index : 0);
@@ -43,8 +43,8 @@ void PrefForm::LdPrefs() {
 
 void PrefForm::SvPrefs() {
   PrefsRecord r{};
-  for (int m = 5; m <= 16; ++m)
-    r[kPrefMultiChecks + static_cast<std::size_t>(m - 5)] = static_cast<std::uint8_t>(ChkMlt(m).value);
+  for (int m = kFirstMulti; m <= kLastMulti; ++m)
+    r[kPrefMultiChecks + static_cast<std::size_t>(m - kFirstMulti)] = static_cast<std::uint8_t>(ChkMlt(m).value);
   r[kPrefInDevice] = static_cast<std::uint8_t>(Combo1.index());
   r[kPrefOutDevice] = static_cast<std::uint8_t>(Combo2.index());
   r[kPrefLoadFile] = static_cast<std::uint8_t>(ChkLdFile.value);

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "link/midi_link.h"
-#include "shell/controls.h"
+#include "data/controls.h"
 #include "shell/prefs.h"
 
 namespace tessivo {
@@ -32,8 +32,8 @@ class PrefForm {
   void SvPrefs();
   void CmdBrowse_Click();
 
-  CheckCtl& ChkMlt(int multi) { return ChkMlt_[static_cast<std::size_t>(multi - 5)]; }  // Multi 5..16
-  const CheckCtl& ChkMlt(int multi) const { return ChkMlt_[static_cast<std::size_t>(multi - 5)]; }
+  CheckCtl& ChkMlt(int multi) { return ChkMlt_[static_cast<std::size_t>(multi - kFirstMulti)]; }  // Multi 5..16
+  const CheckCtl& ChkMlt(int multi) const { return ChkMlt_[static_cast<std::size_t>(multi - kFirstMulti)]; }
   // The path of TxtLdFile as a file name: the blanks that fill the stored field are no part of it.
   std::string workspacePath() const;
 
@@ -50,7 +50,7 @@ class PrefForm {
 
  private:
   MidiLink& link_;
-  std::array<CheckCtl, 12> ChkMlt_;
+  std::array<CheckCtl, kMultiRows> ChkMlt_;
 };
 
 }  // namespace tessivo

@@ -43,13 +43,13 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
   QLabel* label1 = label(this, "Label1", PrefForm::kLabel1);
   label1->setToolTip(PrefForm::kLabel1Tip);
   placeWrapped(label1, 120, 240, 2295, 495);
-  for (int m = 5; m <= 16; ++m) {
-    const auto i = static_cast<std::size_t>(m - 5);
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    const auto i = static_cast<std::size_t>(m - kFirstMulti);
     // The box of Multi 8 has always been spelt this way; its name stays.
     const QString name = m == 8 ? QString("Chkmlt8") : QString("ChkMlt%1").arg(m);
     QCheckBox* box = checkBox(name, QString::fromStdString(form_.ChkMlt(m).caption), form_.ChkMlt(m));
     const int row = static_cast<int>(i % 6);
-    place(box, m <= 10 ? 360 : 1320, 720 + 240 * row, 975, 255);
+    place(box, i < 6 ? 360 : 1320, 720 + 240 * row, 975, 255);
     chkMlt_[i] = box;
   }
   // Label2 may widen up to the channel list.
@@ -138,8 +138,8 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
 }
 
 void PrefWindow::render() {
-  for (int m = 5; m <= 16; ++m) {
-    QCheckBox* box = chkMlt_[static_cast<std::size_t>(m - 5)];
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    QCheckBox* box = chkMlt_[static_cast<std::size_t>(m - kFirstMulti)];
     QSignalBlocker block(box);
     box->setChecked(form_.ChkMlt(m).value != 0);
   }

@@ -33,7 +33,7 @@ class PrefWindow : public QDialog {
 
   PrefForm& form_;
   QtApp& app_;
-  std::array<QCheckBox*, 12> chkMlt_{};  // Multi 5..16
+  std::array<QCheckBox*, kMultiRows> chkMlt_{};  // Multi 5..16
   QCheckBox* chkLdFile_;
   QLineEdit* txtLdFile_;
   QPushButton* cmdBrowse_;

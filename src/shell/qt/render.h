@@ -13,7 +13,7 @@
 #include <QString>
 #include <string>
 
-#include "shell/controls.h"
+#include "data/controls.h"
 
 namespace tessivo::qt {
 
