@@ -6,6 +6,7 @@
 #include "link/port_service.h"
 #include "link/rtmidi_ports.h"
 #include "shell/qt/qt_app.h"
+#include "shell/qt/unix_signals.h"
 
 int main(int argc, char** argv) {
   QApplication qapp(argc, argv);
@@ -21,6 +22,11 @@ int main(int argc, char** argv) {
 
   tessivo::qt::QtApp app(midi);
   QObject::connect(&app, &tessivo::qt::QtApp::finished, &qapp, &QApplication::quit, Qt::QueuedConnection);
+  // A logout, Ctrl-C or a closed terminal ends the run as Exit does: ports closed in order.
+  tessivo::qt::UnixSignals endOnSignal([&app] {
+    app.logic().Terminate();
+    app.afterHandler();
+  });
   app.start();
   return qapp.exec();
 }

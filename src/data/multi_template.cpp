@@ -32,6 +32,34 @@ constexpr std::array<std::uint8_t, 13> kDefaultSection4{{
     0xF0, 0x43, 0x00, 0x4C, 0x00, 0x02, 0x0A, 0x10, 0x20, 0x40, 0x00, 0x0C, 0xF7,
 }};
 
+// Fields of a Layer section (the data byte of address 60 0L d at 9 + d) that a Multi Part takes.
+constexpr std::size_t kLyrVoiceAt = 9;  // bank MSB, bank LSB, program
+constexpr std::size_t kLyrMonoPolyAt = 12;
+constexpr std::size_t kLyrNoteShiftAt = 13;  // note shift, detune in two bytes
+constexpr std::size_t kLyrVolumeAt = 16;
+constexpr std::size_t kLyrVelocitySenseAt = 17;  // depth, offset, pan, note limits: five bytes
+constexpr std::size_t kLyrChorusSendAt = 22;
+constexpr std::size_t kLyrReverbSendAt = 23;
+constexpr std::size_t kLyrVolumeGateAt = 24;  // 0: the volume is not taken
+constexpr std::size_t kLyrCutoffAt = 26;      // offsets on the Performance's filter
+constexpr std::size_t kLyrResonanceAt = 27;
+constexpr std::size_t kLyrAmpEgAt = 28;
+constexpr std::size_t kLyrPitchEgAt = 32;  // six bytes
+constexpr std::size_t kLyrEqGainAt = 50;   // 60 0L 29, 2A
+constexpr std::size_t kLyrEqFrequencyAt = 52;  // 60 0L 2B, 2C
+// Fields of the Performance's Com1 (60 00 d at 9 + d).
+constexpr std::size_t kPerfHighPassAt = 39;
+constexpr std::size_t kPerfCutoffAt = 40;
+constexpr std::size_t kPerfResonanceAt = 41;
+constexpr std::uint8_t kCentre = 0x40;  // LFO values of a part that takes a Layer
+constexpr int kHighPassBase = 68;
+
+// Copies `count` bytes from offset `from` of `src` to offset `to` of `dst`.
+void copyField(std::span<std::uint8_t> dst, std::size_t to, std::span<const std::uint8_t> src, std::size_t from,
+               std::size_t count) {
+  std::copy_n(src.begin() + static_cast<std::ptrdiff_t>(from), count, dst.begin() + static_cast<std::ptrdiff_t>(to));
+}
+
 // A data byte on the wire: above 127 it would read as a status byte, so a sum is held to the
 // range at both ends.
 std::uint8_t limit127(int value) { return static_cast<std::uint8_t>(std::clamp(value, 0, 127)); }
@@ -65,33 +93,25 @@ void LyrTemplate::InitLyrTmpl() {
 
 void LyrTemplate::LyrToTmpl(std::span<const std::uint8_t> L, std::span<const std::uint8_t> P) {
   auto s0 = section(0), s1 = section(1), s2 = section(2), s3 = section(3), s4 = section(4);
-  s0[10] = L[9];
-  s0[11] = L[10];
-  s0[12] = L[11];
-  s0[13] = kNoChannel;
-  s0[14] = L[12];
-  s0[17] = L[13];
-  s0[18] = L[14];
-  s0[19] = L[15];
-  if (L[24] > 0) s0[20] = halfToEven(L[16]);  // the layer's volume gate
-  for (int i = 0; i < 5; ++i) s0[static_cast<std::size_t>(21 + i)] = L[static_cast<std::size_t>(17 + i)];
-  s0[26] = 0;  // dry level
-  s0[27] = L[22];
-  s0[28] = L[23];
-  s0[29] = 0;  // variation send
-  s0[30] = s0[31] = s0[32] = 0x40;  // LFO
+  copyField(s0, kVoiceAt, L, kLyrVoiceAt, 3);
+  s0[kReceiveChannelAt] = kNoChannel;
+  s0[kMonoPolyAt] = L[kLyrMonoPolyAt];
+  copyField(s0, kNoteShiftAt, L, kLyrNoteShiftAt, 3);
+  if (L[kLyrVolumeGateAt] > 0) s0[kVolumeAt] = halfToEven(L[kLyrVolumeAt]);
+  copyField(s0, kVelocitySenseAt, L, kLyrVelocitySenseAt, 5);
+  s0[kDryLevelAt] = 0;
+  s0[kChorusSendAt] = L[kLyrChorusSendAt];
+  s0[kReverbSendAt] = L[kLyrReverbSendAt];
+  s0[kVariationSendAt] = 0;
+  std::fill_n(s0.begin() + kVibratoAt, 3, kCentre);
   // The layer's filter is an offset on the Performance's: two values of 0x40 give 0x41.
-  s0[33] = limit127(P[40] + L[26] - 63);
-  s0[34] = limit127(P[41] + L[27] - 63);
-  s0[35] = L[28];
-  s0[36] = L[29];
-  s0[37] = L[30];
-  for (int i = 0; i < 6; ++i) s1[static_cast<std::size_t>(66 + i)] = L[static_cast<std::size_t>(32 + i)];
-  s2[11] = L[50];
-  s2[12] = L[51];
-  s3[11] = L[52];
-  s3[12] = L[53];
-  s4[9] = limit127(P[39] / 2 + 68);
+  s0[kCutoffAt] = limit127(P[kPerfCutoffAt] + L[kLyrCutoffAt] - 63);
+  s0[kResonanceAt] = limit127(P[kPerfResonanceAt] + L[kLyrResonanceAt] - 63);
+  copyField(s0, kAmpEgAt, L, kLyrAmpEgAt, 3);
+  copyField(s1, kPitchEgAt, L, kLyrPitchEgAt, 6);
+  copyField(s2, kEqGainAt, L, kLyrEqGainAt, 2);
+  copyField(s3, kEqFrequencyAt, L, kLyrEqFrequencyAt, 2);
+  s4[kHighPassAt] = limit127(P[kPerfHighPassAt] / 2 + kHighPassBase);
 }
 
 void LyrTemplate::MltToTmpl(MultiImage& image, int partIndex) {

@@ -17,10 +17,32 @@ inline constexpr std::size_t kTemplateBytes = 182;
 inline constexpr std::uint8_t kNoChannel = 0x10;  // receive channel of a part not yet assigned
 inline constexpr std::uint8_t kNoPart = 0x10;     // part byte of a Layer that belongs to no part
 
-// Multi section field offsets that more than one place uses.
-inline constexpr std::size_t kPartByteAt = 7;        // every section: the part index
-inline constexpr std::size_t kReceiveChannelAt = 13;  // section 0
-inline constexpr std::size_t kVolumeAt = 20;          // section 0
+// Fields of the Multi sections by their offset in the message: the data byte of address
+// 08 pp d stands at 9 + d (section 0 starts at d = 00, section 1 at 30, 2 at 70, 3 at 74, and
+// section 4 at 0A pp 20).
+inline constexpr std::size_t kPartByteAt = 7;  // every section: the part index
+// Section 0.
+inline constexpr std::size_t kVoiceAt = 10;           // bank MSB, bank LSB, program
+inline constexpr std::size_t kReceiveChannelAt = 13;
+inline constexpr std::size_t kMonoPolyAt = 14;
+inline constexpr std::size_t kNoteShiftAt = 17;       // note shift, then detune in two bytes
+inline constexpr std::size_t kVolumeAt = 20;
+inline constexpr std::size_t kVelocitySenseAt = 21;   // depth, offset, pan, note limit low and high
+inline constexpr std::size_t kDryLevelAt = 26;
+inline constexpr std::size_t kChorusSendAt = 27;
+inline constexpr std::size_t kReverbSendAt = 28;
+inline constexpr std::size_t kVariationSendAt = 29;
+inline constexpr std::size_t kVibratoAt = 30;         // rate, depth, delay
+inline constexpr std::size_t kCutoffAt = 33;
+inline constexpr std::size_t kResonanceAt = 34;
+inline constexpr std::size_t kAmpEgAt = 35;           // attack, decay, release
+// Section 1.
+inline constexpr std::size_t kPitchEgAt = 66;         // pitch EG levels and times, velocity limits
+// Sections 2 and 3.
+inline constexpr std::size_t kEqGainAt = 11;          // section 2: bass and treble gain
+inline constexpr std::size_t kEqFrequencyAt = 11;     // section 3: bass and treble frequency
+// Section 4.
+inline constexpr std::size_t kHighPassAt = 9;
 
 // The default message of a Multi section 0..4, as a new part holds it.
 std::span<const std::uint8_t> defaultSection(int section);

@@ -35,6 +35,7 @@ void App::Timer1_Tick() {
   if (!timerEnabled_ || !main_) return;
   timerEnabled_ = false;
   screen_.startTimer(0);
+  loaded_ = true;
   main_->Form_Loadx();
   screen_.unloadForm(FormId::Splash);
   screen_.showForm(FormId::Main);
@@ -50,6 +51,17 @@ void App::PrefClosed() {
 }
 
 void App::StrtupPref_Click() { screen_.showForm(FormId::Pref); }
+
+void App::Terminate() {
+  if (finished_) return;
+  if (main_ && loaded_) main_->ClosePorts(false);
+  timerEnabled_ = false;
+  screen_.startTimer(0);
+  screen_.unloadForm(FormId::Splash);
+  screen_.unloadForm(FormId::Pref);
+  if (main_) screen_.unloadForm(FormId::Main);
+  finished_ = true;
+}
 
 bool App::ExitRequested() {
   if (!main_ || main_->Form_Unload()) return false;

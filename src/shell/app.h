@@ -25,6 +25,10 @@ class App {
   void StrtupPref_Click();
   // The exit menu entry and the closing of the main form; false when the user cancelled.
   bool ExitRequested();
+  // The end asked for from outside (SIGTERM, SIGINT, SIGHUP): the exit without its question.
+  // The ports close in the exit's order where the start opened them, and nothing is saved;
+  // no box waits for an answer, since nobody may be there to give one.
+  void Terminate();
 
   bool StartingUp = false;
   bool finished() const { return finished_; }  // no form left: the process ends
@@ -39,6 +43,7 @@ class App {
   PrefForm pref_;
   std::unique_ptr<MainForm> main_;
   bool timerEnabled_ = false;
+  bool loaded_ = false;  // the start timer has run Form_Loadx
   bool finished_ = false;
 };
 

@@ -133,21 +133,26 @@ bool MainForm::Form_Unload() {
   Screen& screen = link_.screen();
   if (screen.messageBox(kExitQuestion, "Exit", MsgButtons::OkCancel, MsgIcon::Question) == MsgAnswer::Cancel)
     return true;
-  MidiService& midi = link_.midi();
-  midi.midiDisconnect(link_.MidiInHnd, link_.MidiOutHnd);  // its result tells nothing useful
-  MMRESULT r = midi.midiInStop(link_.MidiInHnd);
-  if (r != MMSYSERR_NOERROR) link_.MidiInErr("InStop", static_cast<std::int16_t>(r));
-  if (link_.MidiInHnd != 0) {
-    r = midi.midiInClose(link_.MidiInHnd);
-    if (r != MMSYSERR_NOERROR) link_.MidiInErr("Close", static_cast<std::int16_t>(r));
-  }
-  if (link_.MidiOutHnd != 0) {
-    r = midi.midiOutReset(link_.MidiOutHnd);
-    if (r != MMSYSERR_NOERROR) link_.MidiOutErr("Reset", static_cast<std::int16_t>(r));
-    r = midi.midiOutClose(link_.MidiOutHnd);
-    if (r != MMSYSERR_NOERROR) link_.MidiOutErr("Close", static_cast<std::int16_t>(r));
-  }
+  ClosePorts(true);
   return false;
+}
+
+void MainForm::ClosePorts(bool report) {
+  if (portsClosed_) return;  // a signal may end the run while the exit question is open
+  portsClosed_ = true;
+  MidiService& midi = link_.midi();
+  auto failed = [&](MMRESULT r, const char* label, bool output) {
+    if (r == MMSYSERR_NOERROR || !report) return;
+    if (output) link_.MidiOutErr(label, static_cast<std::int16_t>(r));
+    else link_.MidiInErr(label, static_cast<std::int16_t>(r));
+  };
+  midi.midiDisconnect(link_.MidiInHnd, link_.MidiOutHnd);  // its result tells nothing useful
+  failed(midi.midiInStop(link_.MidiInHnd), "InStop", false);
+  if (link_.MidiInHnd != 0) failed(midi.midiInClose(link_.MidiInHnd), "Close", false);
+  if (link_.MidiOutHnd != 0) {
+    failed(midi.midiOutReset(link_.MidiOutHnd), "Reset", true);
+    failed(midi.midiOutClose(link_.MidiOutHnd), "Close", true);
+  }
 }
 
 void MainForm::DragDrop(const std::string& target, const std::string& source) {

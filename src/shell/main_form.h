@@ -54,6 +54,9 @@ class MainForm {
   void Form_Loadx();
   // The exit question; returns true when the user cancelled and the program runs on.
   bool Form_Unload();
+  // The closing of the exit: thru off, input stopped and closed, output reset and closed, in
+  // that order, each failure in its box when `report`. Runs once; nothing is sent or saved.
+  void ClosePorts(bool report);
 
   // Tables and lists that the start fills.
   void FillLists();
@@ -97,6 +100,7 @@ class MainForm {
   LayerPool pool_;
   Audition audition_;
   std::array<MultiRow, kMultiRows> rows_;
+  bool portsClosed_ = false;
 };
 
 }  // namespace tessivo

@@ -158,6 +158,31 @@ TEST_F(Startup, ExitAsksAndOnOkClosesThePortsInOrder) {
   EXPECT_EQ(midi.sent.size(), sentBefore);  // no All Notes Off at exit
 }
 
+TEST_F(Startup, ASignalClosesThePortsInTheExitsOrderWithoutQuestionOrBoxAndOnlyOnce) {
+  startToMainForm();
+  events.clear();
+  const std::size_t sentBefore = midi.sent.size();
+  midi.failOnce("midiOutReset", MMSYSERR_ERROR);  // nobody may be there to answer its box
+  app.Terminate();
+  EXPECT_EQ(events, (Events{"midiDisconnect", "midiInStop", "midiInClose", "midiOutReset", "midiOutClose", "timer 0",
+                            "unload frmSplash", "unload frmPref", "unload CS2x"}));
+  EXPECT_TRUE(app.finished());
+  EXPECT_EQ(midi.sent.size(), sentBefore);
+  // The exit question still open when the signal came: its answer closes nothing twice.
+  events.clear();
+  app.ExitRequested();
+  EXPECT_EQ(midi.midiCalls(), Events{});
+}
+
+TEST_F(Startup, ASignalBeforeThePortsOpenEndsTheProgramWithoutAnyMidiCall) {
+  app.Main();
+  app.OKButton_Click();  // the splash stands, the start timer has not ticked yet
+  app.Terminate();
+  EXPECT_TRUE(app.finished());
+  app.Timer1_Tick();  // a tick already on its way starts nothing
+  EXPECT_EQ(midi.calls["midiOutOpen"] + midi.calls["midiInStop"] + midi.calls["midiInClose"], 0);
+}
+
 TEST_F(Startup, ExitReportsEachFailedCloseAndGoesOn) {
   startToMainForm();
   midi.failOnce("midiInStop", MMSYSERR_INVALHANDLE);
