@@ -57,8 +57,8 @@ TEST_F(Prefs, SettingsComeBackAtTheNextStartAsTheyWereAtOk) {
     p.ChkMlt(16).value = 1;
     p.ChkLdFile.value = 1;
     p.TxtLdFile.text = "/home/me/set.tvw";
-    p.Combo1.setIndex(1);
-    p.Combo2.setIndex(1);
+    p.Combo1.setIndex(1);  // In and Out differ, so a swap on the way in or out shows
+    p.Combo2.setIndex(0);
     p.cmbPerfChnl.setIndex(12);  // silent: the program has not started
     p.Slider1.value = 3;
     app->OKButton_Click();
@@ -66,7 +66,7 @@ TEST_F(Prefs, SettingsComeBackAtTheNextStartAsTheyWereAtOk) {
   }
   const Bytes r = fileBytes();
   ASSERT_EQ(r.size(), 169u);
-  EXPECT_EQ(test::hex(Bytes(r.begin(), r.begin() + 18)), "01 00 00 01 00 00 00 00 00 00 00 01 00 01 01 01 00 00");
+  EXPECT_EQ(test::hex(Bytes(r.begin(), r.begin() + 18)), "01 00 00 01 00 00 00 00 00 00 00 01 00 01 00 01 00 00");
   EXPECT_EQ(std::string(r.begin() + 18, r.begin() + 34), "/home/me/set.tvw");
   EXPECT_EQ(test::hex(Bytes(r.begin() + 163, r.end())), "03 00 00 00 0C 00");
   auto app = start();
@@ -79,7 +79,7 @@ TEST_F(Prefs, SettingsComeBackAtTheNextStartAsTheyWereAtOk) {
   EXPECT_EQ(p.TxtLdFile.text, "/home/me/set.tvw" + std::string(127 - 16, ' '));
   EXPECT_EQ(p.workspacePath(), "/home/me/set.tvw");
   EXPECT_EQ(p.Combo1.index(), 1);
-  EXPECT_EQ(p.Combo2.index(), 1);
+  EXPECT_EQ(p.Combo2.index(), 0);
   EXPECT_EQ(p.cmbPerfChnl.index(), 12);
   EXPECT_EQ(p.Slider1.value, 3);
   // A longer path is cut to its 127 characters.
@@ -102,8 +102,10 @@ TEST_F(Prefs, OutOfRangeValuesReadAsZeroAndAnUnknownDeviceAsTheFirst) {
   EXPECT_EQ(app->pref().Combo1.index(), 0);
   EXPECT_EQ(app->pref().Combo2.index(), 0);
   setRecordWord(r, kPrefPerfChannel, -1);
+  setRecordWord(r, kPrefDensity, 5);  // within what the record allows, beyond the slider's 0..3
   write(Bytes(r.begin(), r.end()));
   EXPECT_EQ(start()->pref().cmbPerfChnl.index(), 0);
+  EXPECT_EQ(start()->pref().Slider1.value, 3);
 }
 
 TEST_F(Prefs, FilesOfAnyLengthOrContentStartTheProgramAndALongerFileKeepsItsTail) {
