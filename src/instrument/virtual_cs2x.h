@@ -3,16 +3,12 @@
 // program can see of a CS2x (the system block Com0, the Performance edit buffer, the sixteen
 // XG Multi Parts, the Preset and User banks of Performances and the notes that sound), acts on
 // every message sent to it, and answers dump and parameter requests through the port that the
-// program opened as its input. It also keeps a time-stamped log of what it received.
-//
-// Answers go out on the instrument's own thread, one after the other, never from inside
-// receive(): the program sends while holding its output lock, and an answer enters the
-// program's input, which takes its own.
+// program opened as its input, on a thread of its own (AnswerLine). It also keeps a
+// time-stamped log of the latest messages it received.
 
 #include <array>
 #include <bitset>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -20,9 +16,9 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "instrument/virtual_cs2x_answers.h"
 #include "link/messages.h"
 #include "link/ports.h"
 
@@ -54,10 +50,13 @@ class VirtualCs2x {
   // Sizes of the blocks of the model 0x63 space, in data bytes.
   static constexpr std::size_t kCom0Size = 26, kCom1Size = 52, kCom2Size = 23, kCom3Size = 9, kLayerSize = 45;
   static constexpr std::size_t kParts = 16;
+  // The log keeps the newest messages: at most this many, and at most this many bytes of them
+  // (the newest message always, whatever its size).
+  static constexpr std::size_t kLogMessages = 4096, kLogBytes = std::size_t{1} << 20;
 
   explicit VirtualCs2x(VirtualCs2xOptions options = {});
   // Stops the answer thread; answers still queued are dropped.
-  ~VirtualCs2x();
+  ~VirtualCs2x() = default;
   VirtualCs2x(const VirtualCs2x&) = delete;
   VirtualCs2x& operator=(const VirtualCs2x&) = delete;
 
@@ -76,6 +75,7 @@ class VirtualCs2x {
   // Blocks until every queued answer has gone out or been dropped. Not from inside a sink.
   void waitIdle();
 
+  // The messages received, oldest first, within the log's bounds.
   std::vector<Received> log() const;
   void clearLog();
   bool inputStarted() const;
@@ -115,24 +115,19 @@ class VirtualCs2x {
   static PerfData storedPerformance(std::uint8_t bankLsb, std::uint8_t program);
 
  private:
-  struct Answer {
-    Bytes bytes;
-    std::chrono::steady_clock::time_point ready;  // may start going out from here
-  };
-
   std::optional<Bytes> takeLocked(std::span<const std::uint8_t> message);
   std::optional<Bytes> takeSysExLocked(std::span<const std::uint8_t> message);
   void takeChannelLocked(std::span<const std::uint8_t> message);
+  void logLocked(std::chrono::steady_clock::time_point time, std::span<const std::uint8_t> message);
   std::uint8_t* cell(std::uint8_t model, std::uint32_t address);
   const std::uint8_t* cell(std::uint8_t model, std::uint32_t address) const;
   void writeLocked(std::uint8_t model, const Address& a, std::span<const std::uint8_t> data);
   Bytes blockLocked(std::uint8_t model, const Address& a) const;
-  void run();
 
   const VirtualCs2xOptions options_;
-  mutable std::mutex mutex_;
-  std::vector<Received> log_;
-  InPort::Sink answer_;
+  mutable std::mutex mutex_;  // everything below but answers_, which has its own
+  std::deque<Received> log_;
+  std::size_t logBytes_ = 0;
   bool inputStarted_ = false;
   bool thru_ = false;
 
@@ -144,13 +139,7 @@ class VirtualCs2x {
   std::array<std::array<std::array<std::uint8_t, 128>, kParts>, 2> xg_{};
   std::array<std::bitset<128>, 16> notes_;
 
-  std::deque<Answer> answers_;
-  std::size_t pending_ = 0;  // queued plus the one being handed over
-  bool delivering_ = false;
-  int transmitting_ = 0;  // transmit() calls inside the sink
-  bool stop_ = false;
-  std::condition_variable wake_, idle_;
-  std::thread worker_;
+  AnswerLine answers_;
 };
 
 // The instrument as a device family of one input and one output.
