@@ -1,5 +1,7 @@
 #include "link/messages.h"
 
+#include "link/midi_parser.h"
+
 namespace tessivo {
 
 Bytes paramChange(std::uint8_t model, Address a, std::uint8_t data) {
@@ -67,73 +69,10 @@ Bytes testNoteOffSequence(std::uint8_t note, std::uint8_t velocity) {
   return m;
 }
 
-namespace {
-// Data bytes that follow a status byte; -1 for SysEx.
-int dataCount(std::uint8_t status) {
-  if (status == kSysExStart) return -1;
-  if (status < 0xF0) {
-    const std::uint8_t kind = status & 0xF0;
-    return (kind == 0xC0 || kind == 0xD0) ? 1 : 2;
-  }
-  switch (status) {
-    case 0xF1:
-    case 0xF3:
-      return 1;
-    case 0xF2:
-      return 2;
-    default:
-      return 0;  // F4..F6, F7 on its own, real-time bytes
-  }
-}
-}  // namespace
-
 std::vector<Bytes> splitMidiStream(std::span<const std::uint8_t> stream) {
   std::vector<Bytes> out;
-  std::uint8_t running = 0;
-  std::size_t i = 0;
-  while (i < stream.size()) {
-    std::uint8_t b = stream[i];
-    if (b == kSysExStart) {
-      std::size_t j = i + 1;
-      while (j < stream.size() && stream[j] != kSysExEnd) ++j;
-      const std::size_t end = j < stream.size() ? j + 1 : j;
-      out.emplace_back(stream.begin() + static_cast<std::ptrdiff_t>(i),
-                       stream.begin() + static_cast<std::ptrdiff_t>(end));
-      running = 0;
-      i = end;
-      continue;
-    }
-    Bytes msg;
-    int count;
-    if (b & 0x80) {
-      count = dataCount(b);
-      if (b < 0xF0) running = b;
-      else if (b < 0xF8) running = 0;  // system common cancels running status
-      msg.push_back(b);
-      ++i;
-    } else {
-      if (running == 0) {  // stray data byte
-        ++i;
-        continue;
-      }
-      count = dataCount(running);
-      msg.push_back(running);
-    }
-    std::vector<Bytes> realtime;  // clock and other real-time bytes may stand inside a message
-    for (int k = 0; k < count && i < stream.size(); ++i) {
-      if (stream[i] >= 0xF8) {
-        realtime.push_back({stream[i]});
-      } else if (stream[i] & 0x80) {
-        break;
-      } else {
-        msg.push_back(stream[i]);
-        ++k;
-      }
-    }
-    out.insert(out.end(), realtime.begin(), realtime.end());
-    // A message whose data bytes stop short is dropped, as a receiver on the wire drops it.
-    if (msg.size() == static_cast<std::size_t>(count) + 1) out.push_back(std::move(msg));
-  }
+  MidiParser parser;
+  parser.feed(stream, [&out](std::span<const std::uint8_t> m) { out.emplace_back(m.begin(), m.end()); });
   return out;
 }
 

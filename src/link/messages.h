@@ -126,11 +126,11 @@ Bytes allNotesOffSequence();
 // 84 bytes (the Multi channels 5..16 get theirs twice).
 Bytes testNoteOffSequence(std::uint8_t note, std::uint8_t velocity);
 
-// Cuts a stream of MIDI bytes, as a long message may carry several, into whole messages:
-// SysEx from F0 to F7, channel and system messages by their data counts, running status
-// followed. What a receiver on the wire would drop is dropped here too: data bytes with no
-// status before them, and a message whose data stop short (the lone 00 that the program
-// change sequence carries behind its Bank Select LSB).
+// Cuts a stream of MIDI bytes, as a long message may carry several, into whole messages, read
+// as a receiver on the wire reads them (MidiParser). What such a receiver drops is dropped
+// here too: data bytes with no status before them, a message whose data stop short (the lone
+// 00 that the program change sequence carries behind its Bank Select LSB), and a SysEx that
+// does not end in F7, so that no port is ever handed half a SysEx.
 std::vector<Bytes> splitMidiStream(std::span<const std::uint8_t> stream);
 
 }  // namespace tessivo

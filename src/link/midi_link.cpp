@@ -76,7 +76,7 @@ void MidiLink::MidiInErr(const std::string& label, std::int16_t code) {
 
 std::uint32_t MidiLink::MidiInCB(MidiHandle, std::uint32_t message, std::uintptr_t instance,
                                  std::uintptr_t, std::uintptr_t) {
-  if (message == MIM_LONGDATA) reinterpret_cast<LongDataSignal*>(instance)->raise();
+  if (message == MIM_LONGDATA) reinterpret_cast<WakeFlag*>(instance)->raise();
   return 0;
 }
 

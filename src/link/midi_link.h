@@ -4,12 +4,8 @@
 // dump request senders. Everything the program sends goes through SndSysExData.
 
 #include <array>
-#include <atomic>
-#include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,6 +13,7 @@
 #include "link/messages.h"
 #include "link/midi_service.h"
 #include "link/screen.h"
+#include "link/wake_flag.h"
 
 namespace tessivo {
 
@@ -44,29 +41,6 @@ class BlockStore {
   virtual std::span<const std::uint8_t> multiSection(std::int16_t partIndex, std::int16_t section) = 0;
 };
 
-// LongDataFlag: raised by the input callback when a long message has come in. The waiting
-// side wakes as soon as it rises instead of at its next poll.
-class LongDataSignal {
- public:
-  std::int16_t load() const { return value_.load(std::memory_order_acquire); }
-  void clear() { value_.store(0, std::memory_order_release); }
-  void raise() {
-    value_.store(-1, std::memory_order_release);
-    std::lock_guard lock(mutex_);
-    cv_.notify_all();
-  }
-  // Waits at most `timeout` for the flag; true when it is raised.
-  bool waitRaised(std::chrono::microseconds timeout) {
-    std::unique_lock lock(mutex_);
-    return cv_.wait_for(lock, timeout, [this] { return load() != 0; });
-  }
-
- private:
-  std::atomic<std::int16_t> value_{0};
-  std::mutex mutex_;
-  std::condition_variable cv_;
-};
-
 class MidiLink {
  public:
   // `sleep` replaces every wait of the link (tests count them); without it the link sleeps
@@ -82,7 +56,8 @@ class MidiLink {
   MidiHandle MidiOutHnd = 0;
   std::int32_t MidiInDev = 0;
   std::int32_t MidiOutDev = 0;
-  LongDataSignal LongDataFlag;  // 0 or -1 (0xFFFF), raised by MidiInCB
+  // 0 or -1 (0xFFFF), raised by MidiInCB; the waiting side wakes as soon as it rises.
+  WakeFlag LongDataFlag;
   // Non-zero (-1) while the main form fills: blocks then leave the thru path off.
   std::int16_t LoadingFlag = 0;
   // List1: one text line for every byte received by a block.
@@ -112,7 +87,8 @@ class MidiLink {
   void MidiInErr(const std::string& label, std::int16_t code);
   static std::string errorBoxText(const std::string& label, const std::string& codeText);
 
-  // The input callback. Instance is the address of LongDataFlag; raises it on MIM_LONGDATA.
+  // The input callback. Instance is the address of LongDataFlag; raises it on MIM_LONGDATA and
+  // does nothing else: it runs on the driver's thread.
   static std::uint32_t MidiInCB(MidiHandle handle, std::uint32_t message, std::uintptr_t instance,
                                 std::uintptr_t param1, std::uintptr_t param2);
   std::uintptr_t callbackInstance() { return reinterpret_cast<std::uintptr_t>(&LongDataFlag); }

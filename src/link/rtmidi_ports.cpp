@@ -1,13 +1,14 @@
 #include "link/rtmidi_ports.h"
 
-#include <jack/jack.h>
 #include <rtmidi/RtMidi.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstdlib>
-#include <unistd.h>
 #include <mutex>
+#include <unistd.h>
+
+#include "link/jack_clients.h"
+#include "link/midi_parser.h"
 
 namespace tessivo {
 
@@ -68,60 +69,6 @@ bool openByName(Rt& rt, ErrorTrap& trap, const std::string& name, const std::str
   return false;
 }
 
-// JACK prints its own complaints when no server runs; the callers' answers say it all.
-void quietJack() {
-  jack_set_error_function([](const char*) {});
-  jack_set_info_function([](const char*) {});
-}
-
-}  // namespace
-
-// A client of its own that follows the server's cycles. JACK's shutdown notice does not always
-// reach a client (a server that is stopping may fail to write it), so the cycles are what
-// counts: a server that has run none for a while is gone, or as good as gone for a sender.
-// The ports opened while it watches belong to that server, even when another one starts
-// under the same name.
-class JackWatch {
- public:
-  static std::shared_ptr<JackWatch> open() {
-    quietJack();
-    jack_status_t status{};
-    jack_client_t* client = jack_client_open("tessivo-watch", JackNoStartServer, &status);
-    if (!client) return nullptr;
-    auto watch = std::shared_ptr<JackWatch>(new JackWatch(client));
-    jack_on_shutdown(client, &JackWatch::shutdown, watch.get());
-    jack_set_process_callback(client, &JackWatch::cycle, watch.get());
-    if (jack_activate(client) != 0) watch->gone_ = true;
-    return watch;
-  }
-  ~JackWatch() {
-    if (!serverGone()) jack_client_close(client_);
-  }
-  // Cheap enough for every message.
-  bool stopped() const {
-    return gone_ || std::chrono::steady_clock::now().time_since_epoch().count() - lastCycle_ > kStill.count();
-  }
-  // Stopped, or found out by asking: a killed server may still seem to be in its last cycle.
-  bool serverGone() const { return stopped() || !jackServerRunning(); }
-
- private:
-  // A dummy or sound card driver cycles every few milliseconds; a second of stillness is no
-  // hiccup.
-  static constexpr std::chrono::steady_clock::duration kStill = std::chrono::seconds(1);
-  explicit JackWatch(jack_client_t* client) : client_(client) {}
-  static void shutdown(void* watch) { static_cast<JackWatch*>(watch)->gone_ = true; }
-  static int cycle(jack_nframes_t, void* watch) {
-    static_cast<JackWatch*>(watch)->lastCycle_ = std::chrono::steady_clock::now().time_since_epoch().count();
-    return 0;
-  }
-  jack_client_t* client_;
-  std::atomic<bool> gone_{false};
-  std::atomic<std::chrono::steady_clock::rep> lastCycle_{
-      std::chrono::steady_clock::now().time_since_epoch().count()};
-};
-
-namespace {
-
 // A port of a JACK client whose server has gone can be neither closed nor destroyed: libjack
 // crashes on it. Such a port object is left behind, a few hundred bytes for a rare event; true
 // when that was done.
@@ -135,20 +82,21 @@ bool leftBehind(std::unique_ptr<Rt>& rt, const std::shared_ptr<JackWatch>& watch
   return true;
 }
 
+// An ALSA input. RtMidi's ALSA input hands over whole events, but joins the event behind a
+// SysEx without F7 to it ("F0 .. 90 40 7F"), so its messages go through a parser of our own,
+// which takes them apart again as a MIDI receiver would.
 class RtIn : public InPort {
  public:
-  RtIn(MidiSystem system, const std::string& client, std::shared_ptr<JackWatch> watch)
-      : rt_(std::make_unique<RtMidiIn>(rtApi(system), client)), watch_(std::move(watch)) {
-    rt_->setErrorCallback(&ErrorTrap::callback, &trap_);
-    rt_->ignoreTypes(false, true, true);  // SysEx in; timing clock and active sensing out
-    rt_->setCallback(&RtIn::callback, this);
+  RtIn(MidiSystem system, const std::string& client) : rt_(rtApi(system), client) {
+    rt_.setErrorCallback(&ErrorTrap::callback, &trap_);
+    rt_.ignoreTypes(false, false, false);  // thru passes SysEx, clock and active sensing too
+    rt_.setCallback(&RtIn::callback, this);
   }
   ~RtIn() override {
-    if (leftBehind(rt_, watch_)) return;
-    rt_->cancelCallback();
-    rt_->closePort();
+    rt_.cancelCallback();
+    rt_.closePort();
   }
-  bool open(const std::string& name) { return openByName(*rt_, trap_, name, "MIDI In"); }
+  bool open(const std::string& name) { return openByName(rt_, trap_, name, "MIDI In"); }
   void setSink(Sink sink) override {
     std::lock_guard lock(mutex_);
     sink_ = std::move(sink);
@@ -157,14 +105,16 @@ class RtIn : public InPort {
  private:
   static void callback(double, std::vector<unsigned char>* message, void* user) {
     auto* self = static_cast<RtIn*>(user);
-    if (!message || message->empty()) return;
+    if (!message) return;
     std::lock_guard lock(self->mutex_);
-    if (self->sink_) self->sink_(*message);
+    self->parser_.feed(*message, [self](std::span<const std::uint8_t> m) {
+      if (self->sink_) self->sink_(m);
+    });
   }
-  std::unique_ptr<RtMidiIn> rt_;
-  std::shared_ptr<JackWatch> watch_;
+  RtMidiIn rt_;
   ErrorTrap trap_;
   std::mutex mutex_;
+  MidiParser parser_;
   Sink sink_;
 };
 
@@ -205,15 +155,6 @@ bool alsaSequencerAvailable() {
   }
 }
 
-bool jackServerRunning() {
-  quietJack();
-  jack_status_t status{};
-  jack_client_t* client = jack_client_open("tessivo-probe", JackNoStartServer, &status);
-  if (!client) return false;
-  jack_client_close(client);
-  return true;
-}
-
 MidiSystem chooseMidiSystem() {
   if (alsaSequencerAvailable()) return MidiSystem::Alsa;
   if (jackServerRunning()) return MidiSystem::Jack;
@@ -234,11 +175,16 @@ RtMidiProvider::RtMidiProvider(MidiSystem system, std::string clientName)
 std::unique_ptr<InPort> RtMidiProvider::openInput(std::size_t index, MMRESULT& error) {
   error = MIDIERR_NODEVICE;
   if (index >= inNames_.size()) return nullptr;
-  // A JACK server that went away since the list was read must not be touched: RtMidi's JACK
-  // port crashes on a client that could not connect.
+  // A JACK server that went away since the list was read must not be touched: libjack crashes
+  // on a client that could not connect.
   if (watch_ && watch_->serverGone()) return nullptr;
+  if (system_ == MidiSystem::Jack) {
+    auto port = openJackInput(clientName_, inNames_[index], watch_);
+    if (port) error = MMSYSERR_NOERROR;
+    return port;
+  }
   try {
-    auto port = std::make_unique<RtIn>(system_, clientName_, watch_);
+    auto port = std::make_unique<RtIn>(system_, clientName_);
     if (!port->open(inNames_[index])) return nullptr;
     error = MMSYSERR_NOERROR;
     return port;

@@ -1,6 +1,7 @@
 #pragma once
-// The system's MIDI ports through RtMidi: the ALSA sequencer where /dev/snd/seq works, else a
-// running JACK server, else none. The API is always chosen here, never left to RtMidi.
+// The system's MIDI ports: the ALSA sequencer where /dev/snd/seq works, else a running JACK
+// server, else none. RtMidi carries them, except the JACK input, which is our own
+// (jack_clients.h). The API is always chosen here, never left to RtMidi.
 
 #include <memory>
 #include <string>

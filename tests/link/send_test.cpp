@@ -1,6 +1,8 @@
 // The send path: its three sources, its bounds, the three endings of the unprepare loop, the
-// failure boxes and their text, the device lists and the input callback.
+// failure boxes and their text, the device lists, and the input callback with its flag.
 #include <gtest/gtest.h>
+
+#include <thread>
 
 #include "link/midi_link.h"
 #include "support/scripted.h"
@@ -105,22 +107,26 @@ TEST_F(SendPath, DeviceListsStopAtTheFirstFailingCapabilityCall) {
   EXPECT_EQ(screen.texts(), (Texts{"midiInGetDevCaps Error: 6", "midiOutGetDevCaps Error: 2"}));
 }
 
-TEST_F(SendPath, RequestSendersBuildTheDumpRequests) {
-  link.ReqPerfBlock(kKindCom0);
-  link.ReqPerfBlock(kKindLyr4);
-  link.ReqMltSctn(16, 4);
-  link.ReqMltSctn(5, 5);  // no request for a sixth section
-  EXPECT_EQ(sentHex(), (Texts{"F0 43 20 63 50 00 00 F7", "F0 43 20 63 60 04 00 F7", "F0 43 20 4C 0A 0F 20 F7"}));
-}
-
-TEST(InputCallback, OnlyALongMessageRaisesTheFlag) {
-  LongDataSignal flag;
+// The callback runs on the driver's thread while the event thread waits for the flag.
+TEST(InputCallback, OnlyALongMessageRaisesTheFlagAndItWakesTheWaiter) {
+  using namespace std::chrono_literals;
+  WakeFlag flag;
   const auto inst = reinterpret_cast<std::uintptr_t>(&flag);
   EXPECT_EQ(MidiLink::MidiInCB(1, MIM_DATA, inst, 0x7F4090, 0), 0u);
   EXPECT_EQ(MidiLink::MidiInCB(1, MIM_OPEN, inst, 0, 0), 0u);
   EXPECT_EQ(flag.load(), 0);
-  EXPECT_EQ(MidiLink::MidiInCB(1, MIM_LONGDATA, inst, 0, 0), 0u);
+  EXPECT_FALSE(flag.waitRaised(20ms));
+  std::thread driver([inst] {
+    std::this_thread::sleep_for(50ms);
+    MidiLink::MidiInCB(1, MIM_LONGDATA, inst, 0, 0);
+  });
+  const auto t0 = std::chrono::steady_clock::now();
+  EXPECT_TRUE(flag.waitRaised(30s));
+  EXPECT_LT(std::chrono::steady_clock::now() - t0, 15s);  // woken, not timed out
+  driver.join();
   EXPECT_EQ(flag.load(), -1);
+  flag.clear();
+  EXPECT_EQ(flag.load(), 0);
 }
 
 }  // namespace tessivo

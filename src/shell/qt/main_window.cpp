@@ -13,7 +13,10 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
+#include "data/tables.h"
+#include "link/numtext.h"
 #include "shell/qt/gestures.h"
+#include "shell/qt/names.h"
 #include "shell/qt/qt_app.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -21,6 +24,8 @@
 namespace tessivo::qt {
 
 namespace {
+constexpr int kGap = 2;  // pixels between neighbours that a wider control moves apart
+
 constexpr const char* kMultiButtonTip =
     "Click on Button to audition sound (all multi currently assigned to this channel will play) "
     "or drag multi back to layer pool.";
@@ -38,11 +43,36 @@ constexpr const char* kVelocitySliderTip =
 constexpr const char* kPoolTip = "Drag and drop a layer onto one of the Multi Part buttons.";
 constexpr const char* kClearPoolTip = "Click to remove all entries from layer pool.";
 
-QLabel* label(QWidget* parent, const char* name, const char* text, int left, int top, int width, int height) {
+// A label of the form, and the control that it names: tools that read the screen find the
+// control by it.
+QLabel* label(QWidget* parent, const char* name, const char* text, int left, int top, int width, int height,
+              QWidget* names) {
   auto* l = new QLabel(text, parent);
   l->setObjectName(name);
+  l->setBuddy(names);
   placeLabel(l, left, top, width, height);
   return l;
+}
+
+// The texts of the lists whose entries are " 1", " 2" ..: from `first` to `last`.
+QStringList numberTexts(int first, int last) {
+  QStringList texts;
+  for (int i = first; i <= last; ++i) texts << QString::fromStdString(signedText(i));
+  return texts;
+}
+
+QStringList programNames() {
+  QStringList names = numberTexts(1, 128);  // the User banks
+  for (const auto* bank : {&PrfNames1, &PrfNames2})
+    for (std::string_view name : *bank) names << QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+  return names;
+}
+
+// An option pair's frame has no caption in the layout; the desktop knows it by its name.
+QGroupBox* optionFrame(QWidget* central, const char* name) {
+  auto* frame = new QGroupBox(central);
+  uncaptioned(frame, name);
+  return frame;
 }
 
 void renderCheck(QAction* action, bool checked) {
@@ -75,7 +105,7 @@ void MainWindow::handled() {
 }
 
 void MainWindow::buildMultiRows(QWidget* central) {
-  label(central, "Labelx1_54", "Midi Chan", 7440, 1080, 615, 375);
+  const QStringList channels = numberTexts(1, 16);
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
     const int i = m - kFirstMulti;
     const int top = 1560 + 480 * i;
@@ -101,13 +131,15 @@ void MainWindow::buildMultiRows(QWidget* central) {
     channel->setObjectName(QString("CmbMult%1").arg(m));
     channel->setToolTip(kMultiChannelTip);
     place(channel, 7395, top, 585, 315);
-    channel->setMinimumWidth(px(585));
+    widen(channel, listWidthFor(channel, channels));
     connect(channel, &QComboBox::activated, this, [this, m](int index) {
       form_.row(m).CmbMult.setIndex(index);
       handled();
     });
     cmbMult_[static_cast<std::size_t>(i)] = channel;
   }
+  // One caption stands over the column of lists; it names the first.
+  label(central, "Labelx1_54", "Midi Chan", 7440, 1080, 615, 375, cmbMult_[0]);
 }
 
 QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)()) {
@@ -177,36 +209,43 @@ QRadioButton* MainWindow::option(QWidget* frame, const char* name, const char* t
 }
 
 void MainWindow::buildPerformance(QWidget* central) {
-  auto* frame1 = new QGroupBox(central);
-  frame1->setObjectName("Frame1");
+  const QStringList programs = programNames();
+  QGroupBox* frame1 = optionFrame(central, "Frame1");
   place(frame1, 600, 3720, 1095, 615);
   optPreset_ = option(frame1, "OptPreset", "Preset", 90, &Performance::OptPreset_Click);
   optPreset_->setToolTip("Click to select Preset Performances banks.");
   optUser_ = option(frame1, "OptUser", "User", 345, &Performance::OptUser_Click);
   optUser_->setToolTip("Click to select User Performances banks.");
 
-  auto* frame2 = new QGroupBox(central);
-  frame2->setObjectName("Frame2");
+  QGroupBox* frame2 = optionFrame(central, "Frame2");
   place(frame2, 1800, 3720, 1095, 615);
   optBank1_ = option(frame2, "OptBank1", "Bank1", 90, &Performance::OptBank1_Click);
   optBank2_ = option(frame2, "OptBank2", "Bank2", 345, &Performance::OptBank2_Click);
 
-  label(central, "Labelx1_52", "Prgm", 3240, 3720, 495, 255);
   cmbPrgm_ = new QComboBox(central);
   cmbPrgm_->setObjectName("CmbPrgm");
   cmbPrgm_->setToolTip("Click to choose a different Performance.");
   place(cmbPrgm_, 2880, 3960, 1095, 285);
+  // The list shows every Performance name whole and stops short of the Layer Pool; where it
+  // needs more room than that leaves, it moves left, and the two option frames as far as
+  // they must to stay clear of it.
+  const int width = std::max(cmbPrgm_->width(), listWidthFor(cmbPrgm_, programs));
+  cmbPrgm_->setGeometry(std::min(cmbPrgm_->x(), px(3960) - kGap - width), cmbPrgm_->y(), width, cmbPrgm_->height());
+  const int shift = std::max(0, frame2->geometry().right() + 1 + kGap - cmbPrgm_->x());
+  for (QGroupBox* frame : {frame1, frame2}) frame->move(frame->x() - shift, frame->y());
+  label(central, "Labelx1_52", "Prgm", 3240, 3720, 495, 255, cmbPrgm_);
   // A pick of the entry already shown still changes the Performance and reads it back.
   connect(cmbPrgm_, &QComboBox::activated, this, [this](int index) {
     form_.panel.CmbPrgm.pick(index);
     handled();
   });
 
-  label(central, "Labelx1_49", "Performance", 600, 4560, 975, 255);
   cmdPrfm_ = new QPushButton(central);
   cmdPrfm_->setObjectName("CmdPrfm");
   cmdPrfm_->setToolTip("Click Button to audition whole Performance");
   place(cmdPrfm_, 1800, 4440, 975, 375);
+  widen(cmdPrfm_, buttonWidthFor(cmdPrfm_, programs));
+  label(central, "Labelx1_49", "Performance", 600, 4560, 975, 255, cmdPrfm_);
   new PressWatch(
       cmdPrfm_,
       [this] {
@@ -218,6 +257,10 @@ void MainWindow::buildPerformance(QWidget* central) {
         handled();
       });
 
+  // A Layer's name box shows the Performance name and the Layer's letter behind it.
+  QStringList layerNames;
+  for (const QString& name : programs)
+    for (QChar letter : {'A', 'B', 'C', 'D'}) layerNames << name + letter;
   for (std::size_t i = 0; i < 4; ++i) {
     const int n = static_cast<int>(i) + 1;
     auto* button = new QPushButton(central);
@@ -238,10 +281,13 @@ void MainWindow::buildPerformance(QWidget* central) {
 
     auto* text = new QLineEdit(central);
     const QString name = QString("TxtLyr%1").arg(n);
-    text->setObjectName(name);
+    uncaptioned(text, name);
     text->setToolTip("Drag Layer onto Layer Pool.");
     text->setReadOnly(true);
     place(text, 2760, 5160 + 480 * static_cast<int>(i), 975, 285);
+    int widest = text->width();
+    for (const QString& layerName : layerNames) widest = std::max(widest, editWidthFor(text, layerName));
+    widen(text, widest);
     txtLyr_[i] = text;
     new DragSource(text, text,
                    {{},
@@ -252,16 +298,22 @@ void MainWindow::buildPerformance(QWidget* central) {
                     {}});
   }
 
-  label(central, "Labelx1_50", "Note", 480, 4920, 375, 255);
-  label(central, "Labelx1_51", "Velocity", 1080, 4920, 615, 255);
+  // The note and velocity lists show " 127" whole; the velocity list stands right of the note
+  // list, which the layout lets overlap it by a pixel.
+  const QStringList values = numberTexts(0, 127);
   cmbMidNtNo_ = new QComboBox(central);
   cmbMidNtNo_->setObjectName("CmbMidNtNo");
   cmbMidNtNo_->setToolTip(kNoteTip);
   place(cmbMidNtNo_, 360, 5160, 735, 315);
+  widen(cmbMidNtNo_, listWidthFor(cmbMidNtNo_, values));
   cmbMidVel_ = new QComboBox(central);
   cmbMidVel_->setObjectName("CmbMidVel");
   cmbMidVel_->setToolTip(kVelocityTip);
-  place(cmbMidVel_, 1095, 5160, 795, 315);  // a little wider than the form's place, so " 127" shows whole
+  place(cmbMidVel_, 1080, 5160, 735, 315);
+  cmbMidVel_->move(std::max(cmbMidVel_->x(), cmbMidNtNo_->geometry().right() + 1), cmbMidVel_->y());
+  widen(cmbMidVel_, listWidthFor(cmbMidVel_, values));
+  label(central, "Labelx1_50", "Note", 480, 4920, 375, 255, cmbMidNtNo_);
+  label(central, "Labelx1_51", "Velocity", 1080, 4920, 615, 255, cmbMidVel_);
   connect(cmbMidNtNo_, &QComboBox::activated, this, [this](int index) {
     form_.CmbMidNtNo.setIndex(index);
     handled();
@@ -273,14 +325,13 @@ void MainWindow::buildPerformance(QWidget* central) {
 }
 
 void MainWindow::buildTestNote(QWidget* central) {
-  // Position 0 stands at the top, so the highest note and velocity are up there; the keys
-  // move the handle the way their arrows point.
+  // The sliders show the note and the velocity themselves (the form's position is 127 less),
+  // so the highest stands at the top, the groove fills from the bottom up to the handle and
+  // the keys move the handle the way their arrows point.
   auto slider = [&](const char* name, const char* tip, int left) {
     auto* s = new QSlider(Qt::Vertical, central);
-    s->setObjectName(name);
+    uncaptioned(s, name);
     s->setToolTip(tip);
-    s->setInvertedAppearance(true);
-    s->setInvertedControls(true);
     s->setPageStep(12);
     place(s, left, 5520, 255, 1935);
     return s;
@@ -288,21 +339,21 @@ void MainWindow::buildTestNote(QWidget* central) {
   sldNt_ = slider("SldNt", kNoteSliderTip, 600);
   sldVel_ = slider("SldVel", kVelocitySliderTip, 1320);
   connect(sldNt_, &QSlider::valueChanged, this, [this](int value) {
-    form_.SldNt.value = value;
+    form_.SldNt.value = flipped(form_.SldNt, value);
     form_.SldNt_Scroll();
     handled();
   });
   connect(sldVel_, &QSlider::valueChanged, this, [this](int value) {
-    form_.SldVel.value = value;
+    form_.SldVel.value = flipped(form_.SldVel, value);
     form_.SldVel_Scroll();
     handled();
   });
 }
 
 void MainWindow::buildPool(QWidget* central) {
-  label(central, "Labelx1_53", "Layer Pool", 4320, 3480, 855, 255);
   lbxLyrPool_ = new QListWidget(central);
-  lbxLyrPool_->setObjectName("LbxLyrPool");
+  uncaptioned(lbxLyrPool_, "LbxLyrPool");
+  label(central, "Labelx1_53", "Layer Pool", 4320, 3480, 855, 255, lbxLyrPool_);
   lbxLyrPool_->setToolTip(kPoolTip);
   lbxLyrPool_->setSelectionMode(QAbstractItemView::SingleSelection);
   place(lbxLyrPool_, 3960, 3720, 1815, 3375);
@@ -395,8 +446,8 @@ void MainWindow::render() {
   }
   renderList(cmbMidNtNo_, form_.CmbMidNtNo);
   renderList(cmbMidVel_, form_.CmbMidVel);
-  renderSlider(sldNt_, form_.SldNt);
-  renderSlider(sldVel_, form_.SldVel);
+  renderFlippedSlider(sldNt_, form_.SldNt);
+  renderFlippedSlider(sldVel_, form_.SldVel);
 
   LayerPool& pool = form_.pool();
   renderListBox(lbxLyrPool_, pool.LbxLyrPool);

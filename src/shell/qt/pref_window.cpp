@@ -8,7 +8,10 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <algorithm>
 
+#include "link/numtext.h"
+#include "shell/qt/names.h"
 #include "shell/qt/qt_app.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -16,12 +19,59 @@
 namespace tessivo::qt {
 
 namespace {
-QLabel* label(QWidget* parent, const char* name, const QString& text) {
+constexpr int kWidth = 7425;           // the form's inside width in the layout, in twips
+constexpr int kDeviceListsRight = 7335;  // where Combo2, and TxtLdFile above it, end
+constexpr int kMaxDeviceList = 2700;    // a device list grows no wider; longer names show as tips
+constexpr int kGap = 4;                 // pixels between a moved label and the list beside it
+
+// A label of the form and the control that it names (none for a note beside the controls).
+QLabel* label(QWidget* parent, const char* name, const QString& text, QWidget* names) {
   auto* l = new QLabel(text, parent);
   l->setObjectName(name);
+  l->setBuddy(names);
   return l;
 }
 }  // namespace
+
+void PrefWindow::closeUpMultiColumns(QLabel* channelLabel) {
+  // Each Multi box is as wide as its caption. The two columns and the channel label beside
+  // the second share the room up to Combo1: where the captions need more than the layout
+  // gives them, the label moves right as far as that room allows (clear of Combo1) and the
+  // columns close up to the left of it.
+  int first = 0, second = 0;
+  for (std::size_t i = 0; i < chkMlt_.size(); ++i) {
+    int& column = i < 6 ? first : second;
+    column = std::max({column, chkMlt_[i]->width(), chkMlt_[i]->sizeHint().width()});
+  }
+  const int room = combo1_->x() - kGap;
+  const int labelWidth = narrowestWrap(channelLabel, channelLabel->width());
+  const int labelLeft = std::min(std::max(channelLabel->x(), chkMlt_[6]->x() + second), room - labelWidth);
+  const int secondLeft = std::min(chkMlt_[6]->x(), labelLeft - second);
+  const int firstLeft = std::min(chkMlt_[0]->x(), secondLeft - first);
+  for (std::size_t i = 0; i < chkMlt_.size(); ++i)
+    chkMlt_[i]->setGeometry(i < 6 ? firstLeft : secondLeft, chkMlt_[i]->y(), i < 6 ? first : second, chkMlt_[i]->height());
+  channelLabel->setGeometry(labelLeft, channelLabel->y(), room - labelLeft, channelLabel->heightForWidth(room - labelLeft));
+}
+
+void PrefWindow::fitDeviceLists() {
+  // The device lists show whole names, both as wide as the longest up to a limit; Combo2, its
+  // label and OK move right by what Combo1 grew, and the form and TxtLdFile widen with them.
+  // A longer name shows whole under the pointer.
+  QStringList names;
+  for (const ListCtl* list : {&form_.Combo1, &form_.Combo2})
+    for (const std::string& item : list->items) names << shownText(item);
+  const int width = std::clamp(listWidthFor(combo1_, names), px(1815), px(kMaxDeviceList));
+  const int grow = width - px(1815);
+  combo1_->resize(width, combo1_->height());
+  combo2_->setGeometry(px(5520) + grow, combo2_->y(), width, combo2_->height());
+  label5_->move(px(5760) + grow, label5_->y());
+  ok_->move(px(5760) + grow, ok_->y());
+  txtLdFile_->resize(px(kDeviceListsRight) + 2 * grow - txtLdFile_->x(), txtLdFile_->height());
+  setFixedWidth(px(kWidth) + 2 * grow);
+  for (QComboBox* devices : {combo1_, combo2_})
+    devices->setToolTip(listWidthFor(devices, {devices->currentText()}) > devices->width() ? devices->currentText()
+                                                                                          : QString());
+}
 
 QCheckBox* PrefWindow::checkBox(const QString& name, const QString& text, CheckCtl& ctl) {
   auto* box = new QCheckBox(text, this);
@@ -36,13 +86,10 @@ QCheckBox* PrefWindow::checkBox(const QString& name, const QString& text, CheckC
 PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
   setObjectName("frmPref");
   setWindowTitle(PrefForm::kCaption);
-  setFixedSize(px(7425), px(2655));
+  setFixedSize(px(kWidth), px(2655));
   setModal(false);
 
   // The Multis to read at start, in two columns.
-  QLabel* label1 = label(this, "Label1", PrefForm::kLabel1);
-  label1->setToolTip(PrefForm::kLabel1Tip);
-  placeWrapped(label1, 120, 240, 2295, 495);
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
     const auto i = static_cast<std::size_t>(m - kFirstMulti);
     // The box of Multi 8 has always been spelt this way; its name stays.
@@ -52,14 +99,18 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
     place(box, i < 6 ? 360 : 1320, 720 + 240 * row, 975, 255);
     chkMlt_[i] = box;
   }
+  QLabel* label1 = label(this, "Label1", PrefForm::kLabel1, chkMlt_[0]);
+  label1->setToolTip(PrefForm::kLabel1Tip);
+  placeWrapped(label1, 120, 240, 2295, 495);
   // Label2 may widen up to the channel list.
-  placeWrapped(label(this, "Label2", PrefForm::kLabel2), 240, 2160, 1935, 375, 2400);
+  placeWrapped(label(this, "Label2", PrefForm::kLabel2, nullptr), 240, 2160, 1935, 375, 2400);
 
   // The Workspace loaded instead. The check box stands in front of the label's leading
-  // blanks; its caption does not fit its width and shows nothing.
-  QLabel* label3 = label(this, "Label3", PrefForm::kLabel3);
-  placeLabel(label3, 2520, 240, 4455, 255);
+  // blanks; its caption does not fit its width and shows nothing, so the desktop knows it by
+  // its name and by the label.
   chkLdFile_ = checkBox("ChkLdFile", QString(), form_.ChkLdFile);
+  chkLdFile_->setAccessibleName("ChkLdFile");
+  placeLabel(label(this, "Label3", PrefForm::kLabel3, chkLdFile_), 2520, 240, 4455, 255);
   place(chkLdFile_, 2640, 240, 255, 255);
   chkLdFile_->raise();
   cmdBrowse_ = new QPushButton(QString::fromStdString(form_.CmdBrowse.caption), this);
@@ -67,35 +118,44 @@ PrefWindow::PrefWindow(PrefForm& form, QtApp& app) : form_(form), app_(app) {
   cmdBrowse_->setAutoDefault(false);
   place(cmdBrowse_, 2520, 600, 735, 285);
   txtLdFile_ = new QLineEdit(this);
-  txtLdFile_->setObjectName("TxtLdFile");
+  uncaptioned(txtLdFile_, "TxtLdFile");
   place(txtLdFile_, 3360, 600, 3975, 315);
 
-  placeLabel(label(this, "Label4", "MIDI In Device"), 3600, 1080, 1215, 255);
   combo1_ = new QComboBox(this);
   combo1_->setObjectName("Combo1");
   place(combo1_, 3360, 1320, 1815, 315);
-
-  placeLabel(label(this, "Label5", "MIDI Out Device"), 5760, 1080, 1335, 255);
+  placeLabel(label(this, "Label4", "MIDI In Device", combo1_), 3600, 1080, 1215, 255);
   combo2_ = new QComboBox(this);
   combo2_->setObjectName("Combo2");
   place(combo2_, 5520, 1320, 1815, 315);
+  label5_ = label(this, "Label5", "MIDI Out Device", combo2_);
+  placeLabel(label5_, 5760, 1080, 1335, 255);
 
-  placeWrapped(label(this, "Labelx1_55", "Performance Midi Channel"), 2280, 1500, 975, 375, 3360);
   cmbPerfChnl_ = new QComboBox(this);
   cmbPerfChnl_->setObjectName("cmbPerfChnl");
   place(cmbPerfChnl_, 2400, 1920, 615, 315);
+  QStringList channels;
+  for (int c = 1; c <= 16; ++c) channels << QString::fromStdString(signedText(c));
+  widen(cmbPerfChnl_, listWidthFor(cmbPerfChnl_, channels));
+  QLabel* channelLabel = label(this, "Labelx1_55", "Performance Midi Channel", cmbPerfChnl_);
+  placeWrapped(channelLabel, 2280, 1500, 975, 375, 3360);
+  closeUpMultiColumns(channelLabel);
 
   // The density of exported MIDI files: the high end at the left.
-  // Its caption stands over the slider's middle: a wide font widens it to both sides, clear
-  // of "High" and "Low".
-  placeLabelCentred(label(this, "Label6_0", "Midi File Density"), 3960, 1920, 1095, 255);
   slider1_ = new QSlider(Qt::Horizontal, this);
-  slider1_->setObjectName("Slider1");
+  uncaptioned(slider1_, "Slider1");
   slider1_->setTickPosition(QSlider::NoTicks);
   slider1_->setPageStep(1);
   place(slider1_, 3720, 2160, 1455, 270);
-  placeLabel(label(this, "Label6_2", "High"), 3240, 2040, 375, 255);
-  placeLabel(label(this, "Label6_1", "Low"), 5160, 2040, 255, 255);
+  // Its caption stands over the slider's middle: a wide font widens it to both sides, clear
+  // of "High" and "Low".
+  placeLabelCentred(label(this, "Label6_0", "Midi File Density", slider1_), 3960, 1920, 1095, 255);
+  QLabel* high = label(this, "Label6_2", "High", slider1_);
+  placeLabel(high, 3240, 2040, 375, 255);
+  QLabel* low = label(this, "Label6_1", "Low", slider1_);
+  placeLabel(low, 5175, 2040, 255, 255);
+  // Both stand level with the groove at the slider's ends, clear of the caption above it.
+  for (QLabel* end : {high, low}) end->move(end->x(), slider1_->geometry().center().y() - end->height() / 2);
 
   ok_ = new QPushButton(QString::fromStdString(form_.OKButton.caption), this);
   ok_->setObjectName("OKButton");
@@ -151,11 +211,7 @@ void PrefWindow::render() {
   renderButton(cmdBrowse_, form_.CmdBrowse);
   renderList(combo1_, form_.Combo1);
   renderList(combo2_, form_.Combo2);
-  // A device name longer than its list shows whole under the pointer.
-  for (QComboBox* devices : {combo1_, combo2_})
-    devices->setToolTip(devices->fontMetrics().horizontalAdvance(devices->currentText()) + 24 > devices->width()
-                            ? devices->currentText()
-                            : QString());
+  fitDeviceLists();
   renderList(cmbPerfChnl_, form_.cmbPerfChnl);
   {
     QSignalBlocker block(slider1_);

@@ -10,6 +10,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QSlider;
@@ -30,6 +31,8 @@ class PrefWindow : public QDialog {
 
  private:
   QCheckBox* checkBox(const QString& name, const QString& text, CheckCtl& ctl);
+  void closeUpMultiColumns(QLabel* channelLabel);
+  void fitDeviceLists();
 
   PrefForm& form_;
   QtApp& app_;
@@ -39,6 +42,7 @@ class PrefWindow : public QDialog {
   QPushButton* cmdBrowse_;
   QComboBox* combo1_;
   QComboBox* combo2_;
+  QLabel* label5_;
   QComboBox* cmbPerfChnl_;
   QSlider* slider1_;
   QPushButton* ok_;

@@ -52,6 +52,10 @@ QStringList nameFilters(const std::string& filter) {
 }
 
 QtApp::QtApp(MidiService& midi, QObject* parent) : QObject(parent), app_(midi, *this) {
+  // The forms' layout is made for a small standard font.
+  QFont font = QApplication::font();
+  font.setPixelSize(kFormFontPixels);
+  QApplication::setFont(font);
   timer1_.setSingleShot(false);
   connect(&timer1_, &QTimer::timeout, this, [this] {
     app_.Timer1_Tick();
@@ -147,7 +151,10 @@ void QtApp::startTimer(int intervalMs) {
 }
 
 bool QtApp::showOpen(FileDialog& dialog) {
-  QFileDialog box(QApplication::activeWindow());
+  // Qt's own dialog, the same on every desktop: its window and controls can be found from
+  // outside like the forms', and its file name box takes a whole path.
+  QFileDialog box(QApplication::activeWindow(), "Open");
+  box.setOption(QFileDialog::DontUseNativeDialog);
   box.setAcceptMode(QFileDialog::AcceptOpen);
   box.setFileMode(QFileDialog::ExistingFile);
   const QStringList filters = nameFilters(dialog.filter);

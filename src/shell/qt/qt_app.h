@@ -16,6 +16,8 @@ class QMessageBox;
 
 namespace tessivo::qt {
 
+inline constexpr int kFormFontPixels = 11;  // the forms' standard font
+
 // The filter of a file dialog, "Text (*.a)|*.a|Text (*.b)|*.b", as Qt's name filters.
 QStringList nameFilters(const std::string& filter);
 

@@ -63,6 +63,17 @@ inline void renderSlider(QSlider* slider, const SliderCtl& ctl) {
   slider->setEnabled(ctl.enabled);
 }
 
+// A slider whose widget runs the other way than the form's position: the widget shows
+// max + min - position, and a value of the widget is the position that far from the other end.
+inline int flipped(const SliderCtl& ctl, int value) { return ctl.max + ctl.min - value; }
+
+inline void renderFlippedSlider(QSlider* slider, const SliderCtl& ctl) {
+  QSignalBlocker block(slider);
+  slider->setRange(ctl.min, ctl.max);
+  slider->setValue(flipped(ctl, ctl.value));
+  slider->setEnabled(ctl.enabled);
+}
+
 inline void renderButton(QAbstractButton* button, const ButtonCtl& ctl) {
   button->setText(shownText(ctl.caption));
   button->setEnabled(ctl.enabled);
@@ -72,7 +83,12 @@ inline void renderButton(QAbstractButton* button, const ButtonCtl& ctl) {
 inline void renderText(QLineEdit* edit, const TextCtl& ctl) {
   QSignalBlocker block(edit);
   const QString text = shownText(ctl.text);
-  if (edit->text() != text) edit->setText(text);  // an unchanged text keeps the cursor
+  // A new text shows from its first character (a line edit would show its end); an unchanged
+  // one keeps the cursor where the user put it.
+  if (edit->text() != text) {
+    edit->setText(text);
+    edit->setCursorPosition(0);
+  }
   edit->setEnabled(ctl.enabled);
   edit->setVisible(ctl.visible);
 }

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "shell/qt/names.h"
 #include "shell/qt/twips.h"
 
 namespace tessivo::qt {
@@ -46,12 +47,12 @@ SplashWindow::SplashWindow() : QWidget(nullptr, Qt::SplashScreen | Qt::Frameless
   setAttribute(Qt::WA_TransparentForMouseEvents);
 
   auto* frame = new QFrame(this);
-  frame->setObjectName("Frame1");
+  uncaptioned(frame, "Frame1");
   frame->setFrameShape(QFrame::Box);
   place(frame, 120, 120, 7080, 4050);
 
   auto* picture = new QLabel(frame);
-  picture->setObjectName("Picture1");
+  uncaptioned(picture, "Picture1");
   picture->setPixmap(splashPicture());
   picture->setGeometry(28, 14, 415, 121);
 

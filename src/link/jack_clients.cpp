@@ -1,0 +1,202 @@
+#include "link/jack_clients.h"
+
+#include <jack/jack.h>
+#include <jack/midiport.h>
+#include <jack/ringbuffer.h>
+
+#include <cerrno>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "link/midi_parser.h"
+#include "link/rtmidi_ports.h"
+#include "link/wake_flag.h"
+
+namespace tessivo {
+
+void quietJack() {
+  jack_set_error_function([](const char*) {});
+  jack_set_info_function([](const char*) {});
+}
+
+bool jackServerRunning() {
+  quietJack();
+  jack_status_t status{};
+  jack_client_t* client = jack_client_open("tessivo-probe", JackNoStartServer, &status);
+  if (!client) return false;
+  jack_client_close(client);
+  return true;
+}
+
+namespace {
+// A dummy or sound card driver cycles every few milliseconds; a second of stillness is no
+// hiccup.
+constexpr std::chrono::steady_clock::duration kStill = std::chrono::seconds(1);
+}  // namespace
+
+std::shared_ptr<JackWatch> JackWatch::open() {
+  quietJack();
+  jack_status_t status{};
+  jack_client_t* client = jack_client_open("tessivo-watch", JackNoStartServer, &status);
+  if (!client) return nullptr;
+  auto watch = std::shared_ptr<JackWatch>(new JackWatch(client));
+  jack_on_shutdown(client, &JackWatch::shutdown, watch.get());
+  jack_set_process_callback(client, &JackWatch::cycle, watch.get());
+  if (jack_activate(client) != 0) watch->gone_ = true;
+  return watch;
+}
+
+JackWatch::~JackWatch() {
+  if (!serverGone()) jack_client_close(client_);
+}
+
+bool JackWatch::stopped() const {
+  return gone_ || std::chrono::steady_clock::now().time_since_epoch().count() - lastCycle_ > kStill.count();
+}
+
+bool JackWatch::serverGone() const { return stopped() || !jackServerRunning(); }
+
+void JackWatch::shutdown(void* watch) { static_cast<JackWatch*>(watch)->gone_ = true; }
+
+int JackWatch::cycle(jack_nframes_t, void* watch) {
+  static_cast<JackWatch*>(watch)->lastCycle_ = std::chrono::steady_clock::now().time_since_epoch().count();
+  return 0;
+}
+
+namespace {
+
+// What JACK's process thread touches. It outlives the client, and is left behind with it when
+// the server has gone, since a dead server's client can be neither deactivated nor closed.
+struct InCycle {
+  jack_port_t* port = nullptr;
+  jack_ringbuffer_t* ring = nullptr;
+  WakeFlag arrived;   // raised after each cycle that put events into the ring
+  bool lost = false;  // process thread only: an event found no room since the last one stored
+};
+
+// Each event goes into the ring as a 32-bit head, its length with kLostBefore when events
+// were lost just before it, and then its bytes.
+constexpr std::uint32_t kLostBefore = 0x80000000u;
+constexpr std::size_t kRingBytes = 64 * 1024;  // twenty seconds of a MIDI wire at full speed
+
+class JackIn : public InPort {
+ public:
+  explicit JackIn(std::shared_ptr<JackWatch> watch) : watch_(std::move(watch)) {}
+  ~JackIn() override;
+  bool open(const std::string& client, const std::string& source);
+  void setSink(Sink sink) override {
+    std::lock_guard lock(sinkMutex_);
+    sink_ = std::move(sink);
+  }
+
+ private:
+  static int process(jack_nframes_t frames, void* arg);
+  void read();
+
+  std::shared_ptr<JackWatch> watch_;
+  jack_client_t* client_ = nullptr;
+  InCycle* cycle_ = nullptr;
+  std::thread reader_;
+  std::atomic<bool> stop_{false};
+  MidiParser parser_;  // the reader's
+  std::mutex sinkMutex_;
+  Sink sink_;
+};
+
+// On JACK's realtime thread: no lock, no allocation, no wait.
+int JackIn::process(jack_nframes_t frames, void* arg) {
+  auto* c = static_cast<InCycle*>(arg);
+  void* buffer = jack_port_get_buffer(c->port, frames);
+  const std::uint32_t count = jack_midi_get_event_count(buffer);
+  bool stored = false;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    jack_midi_event_t event;
+    if (jack_midi_event_get(&event, buffer, i) != 0 || event.size == 0) continue;
+    const std::uint32_t head = static_cast<std::uint32_t>(event.size) | (c->lost ? kLostBefore : 0);
+    if (event.size >= kLostBefore || jack_ringbuffer_write_space(c->ring) < sizeof head + event.size) {
+      c->lost = true;
+      continue;
+    }
+    jack_ringbuffer_write(c->ring, reinterpret_cast<const char*>(&head), sizeof head);
+    jack_ringbuffer_write(c->ring, reinterpret_cast<const char*>(event.buffer), event.size);
+    c->lost = false;
+    stored = true;
+  }
+  if (stored) c->arrived.raise();
+  return 0;
+}
+
+void JackIn::read() {
+  std::vector<std::uint8_t> event;
+  const auto emit = [this](std::span<const std::uint8_t> m) {
+    std::lock_guard lock(sinkMutex_);
+    if (sink_) sink_(m);
+  };
+  while (!stop_) {
+    cycle_->arrived.clear();
+    std::uint32_t head = 0;
+    while (jack_ringbuffer_peek(cycle_->ring, reinterpret_cast<char*>(&head), sizeof head) == sizeof head) {
+      const std::size_t size = head & ~kLostBefore;
+      // The head may be in while the bytes behind it are still being written.
+      if (jack_ringbuffer_read_space(cycle_->ring) < sizeof head + size) break;
+      jack_ringbuffer_read_advance(cycle_->ring, sizeof head);
+      event.resize(size);
+      jack_ringbuffer_read(cycle_->ring, reinterpret_cast<char*>(event.data()), size);
+      if (head & kLostBefore) parser_.reset();  // whatever was being gathered lost its middle
+      parser_.feed(event, emit);
+    }
+    cycle_->arrived.waitRaised(std::chrono::seconds(1));
+  }
+}
+
+bool JackIn::open(const std::string& client, const std::string& source) {
+  quietJack();
+  jack_status_t status{};
+  client_ = jack_client_open(client.c_str(), JackNoStartServer, &status);
+  if (!client_) return false;
+  cycle_ = new InCycle;
+  cycle_->ring = jack_ringbuffer_create(kRingBytes);
+  if (!cycle_->ring) return false;
+  cycle_->port = jack_port_register(client_, "MIDI In", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
+  if (!cycle_->port || jack_set_process_callback(client_, &JackIn::process, cycle_) != 0 ||
+      jack_activate(client_) != 0)
+    return false;
+  reader_ = std::thread([this] { read(); });
+  const int r = jack_connect(client_, source.c_str(), jack_port_name(cycle_->port));
+  return r == 0 || r == EEXIST;
+}
+
+JackIn::~JackIn() {
+  if (reader_.joinable()) {
+    stop_ = true;
+    cycle_->arrived.raise();
+    reader_.join();
+  }
+  if (!client_) return;
+  if (watch_ && watch_->serverGone()) {
+    // Left behind: a few hundred bytes for a rare event, and libjack would crash on them.
+    static std::mutex mutex;
+    static auto* orphans = new std::vector<std::pair<jack_client_t*, InCycle*>>;
+    std::lock_guard lock(mutex);
+    orphans->emplace_back(client_, cycle_);
+    return;
+  }
+  jack_deactivate(client_);  // from here on the process thread is done with cycle_
+  jack_client_close(client_);
+  if (cycle_) {
+    if (cycle_->ring) jack_ringbuffer_free(cycle_->ring);
+    delete cycle_;
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<InPort> openJackInput(const std::string& client, const std::string& source,
+                                      std::shared_ptr<JackWatch> watch) {
+  auto port = std::make_unique<JackIn>(std::move(watch));
+  if (!port->open(client, source)) return nullptr;
+  return port;
+}
+
+}  // namespace tessivo

@@ -1,0 +1,428 @@
+// How the forms' widgets are wired to the logic, one table a form: a row for every control and
+// menu entry, with the gesture a user makes and everything that must follow, on the wire and
+// on the screen. The values differ from row to row (each Multi on a channel of its own, the
+// devices In B and Out A), so a handler wired to a neighbour, a list that sets the next value
+// or a menu entry doing another's work fails its row. A control without a row fails the check
+// of completeness.
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QDrag>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QRadioButton>
+#include <QSlider>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+
+#include "data/tables.h"
+#include "qt/qt_program.h"
+
+namespace tessivo::qt {
+namespace {
+
+using State = std::map<QString, QString>;
+using Wire = std::vector<std::string>;
+
+// The values that differ from `before` in `after`.
+State changes(const State& before, const State& after) {
+  State changed;
+  for (const auto& [name, value] : after)
+    if (!before.contains(name) || before.at(name) != value) changed[name] = value;
+  return changed;
+}
+
+struct Row {
+  QString control;  // the control or menu entry, by name
+  std::function<void()> gesture;
+  Wire wire;      // the messages sent, in order
+  State changed;  // what the screen shows differently afterwards; everything else stays
+};
+
+QString onOff(bool on) { return on ? "on" : "off"; }
+QString name(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+std::string hexOf(std::initializer_list<int> bytes) {
+  std::string s;
+  for (int b : bytes) s += (s.empty() ? "" : " ") + QString::asprintf("%02X", b).toStdString();
+  return s;
+}
+std::string perfChannel(int c) { return hexOf({0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, c, 0xF7}); }
+const Wire kPerfRequests = {"F0 43 20 63 60 00 00 F7", "F0 43 20 63 60 00 40 F7", "F0 43 20 63 60 00 60 F7",
+                            "F0 43 20 63 60 01 00 F7", "F0 43 20 63 60 02 00 F7", "F0 43 20 63 60 03 00 F7",
+                            "F0 43 20 63 60 04 00 F7", "F0 43 20 63 50 00 00 F7"};
+// The five section requests of Multi m, whose part index is m - 1.
+Wire multiRequests(int m) {
+  Wire wire;
+  for (auto [high, low] : {std::pair{0x08, 0x00}, {0x08, 0x30}, {0x08, 0x70}, {0x08, 0x74}, {0x0A, 0x20}})
+    wire.push_back(hexOf({0xF0, 0x43, 0x20, 0x4C, high, m - 1, low, 0xF7}));
+  return wire;
+}
+// What every drop sends: All Notes Off on the sixteen channels, then the test note's Note Off
+// on all of them and once more on channels 5 to 16.
+Wire notesOff(int note, int velocity) {
+  std::string all, off;
+  for (int c = 0; c < 16; ++c) all += (all.empty() ? "" : " ") + hexOf({0xB0 + c, 0x7B, 0x00});
+  for (int c = 0; c < 16; ++c) off += (off.empty() ? "" : " ") + hexOf({0x80 + c, note, velocity});
+  for (int c = 4; c < 16; ++c) off += " " + hexOf({0x80 + c, note, velocity});
+  return {all, off};
+}
+// A Layer held: the other three switched off (press) or back on (release) and the note, as one message.
+std::string layerHeld(int layer, bool down, int channel, int note, int velocity) {
+  std::string s;
+  for (int other = 1; other <= 4; ++other)
+    if (other != layer) s += hexOf({0xF0, 0x43, 0x10, 0x63, 0x60, other, 0x16, down ? 0 : 1, 0xF7}) + " ";
+  return s + hexOf({(down ? 0x90 : 0x80) + channel, note, velocity});
+}
+
+// The data that a drag of `source` carries, as the drag itself made it.
+std::unique_ptr<QMimeData> dragged(QWidget* source) {
+  startDrag(source);
+  auto* drag = source->findChild<QDrag*>();
+  if (drag == nullptr) throw std::runtime_error("no drag from " + source->objectName().toStdString());
+  auto* copy = new QMimeData;
+  for (const QString& format : drag->mimeData()->formats()) copy->setData(format, drag->mimeData()->data(format));
+  delete drag;
+  return std::unique_ptr<QMimeData>(copy);
+}
+
+// Every control and menu entry that a row must cover: the widgets that stand on the form or in
+// one of its frames, but for labels, frames and the menu bar, which take no gesture of their
+// own; and the menu entries that are no sub-menus.
+std::set<QString> controlsOf(QWidget* form) {
+  auto holdsControls = [form](const QWidget* w) {
+    return w == form || w->objectName() == "CS2xClient" || qobject_cast<const QGroupBox*>(w) != nullptr;
+  };
+  std::set<QString> names;
+  for (QWidget* w : form->findChildren<QWidget*>()) {
+    if (w->window() != form || !holdsControls(w->parentWidget()) || holdsControls(w)) continue;
+    if (qobject_cast<QLabel*>(w) || qobject_cast<QMenuBar*>(w)) continue;
+    names.insert(w->objectName());
+  }
+  for (QAction* a : form->findChildren<QAction*>())
+    if (a->menu() == nullptr && !a->objectName().startsWith("qt_")) names.insert(a->objectName());
+  return names;
+}
+
+// The bytes of the messages in order: the instrument takes a long message apart into the
+// messages it holds, so the wire is compared byte for byte.
+std::string bytesOf(const Wire& wire) {
+  std::string all;
+  for (const std::string& message : wire) all += (all.empty() ? "" : " ") + message;
+  return all;
+}
+
+void runTable(const std::vector<Row>& rows, const std::function<State()>& state, const std::function<void()>& clearWire,
+              const std::function<Wire()>& wire) {
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.control.toStdString());
+    const State before = state();
+    clearWire();
+    row.gesture();
+    EXPECT_EQ(bytesOf(wire()), bytesOf(row.wire));
+    EXPECT_EQ(changes(before, state()), row.changed);
+  }
+}
+
+void expectEveryControlHasARow(QWidget* form, const std::vector<Row>& rows) {
+  std::set<QString> covered;
+  for (const Row& row : rows) covered.insert(row.control);
+  for (const QString& control : controlsOf(form)) EXPECT_TRUE(covered.contains(control)) << control.toStdString();
+}
+
+// ---- The main form -------------------------------------------------------------------------
+
+constexpr int kPerfChannel = 3;
+constexpr std::size_t kLayerSwitchAt = 0x16;  // Layer parameter 60 0L 16: 1 is on
+constexpr int kNote = 67, kVelocity = 127;    // the test note at start
+
+class MainFormWiring : public QtProgram {
+ protected:
+  MainWindow* main = nullptr;
+  QListWidget* pool = nullptr;
+
+  void SetUp() override {
+    app.start();
+    app.logic().pref().cmbPerfChnl.setIndex(kPerfChannel);
+    main = startMainForm();
+    ASSERT_NE(main, nullptr);
+    pool = child<QListWidget>(main, "LbxLyrPool");
+  }
+
+  template <typename W = QWidget>
+  W* at(const QString& name) const {
+    return child<W>(main, name);
+  }
+
+  State state() const {
+    State s;
+    for (int m = 5; m <= 16; ++m) s[QString("CmbMult%1").arg(m)] = QString::number(at<QComboBox>(QString("CmbMult%1").arg(m))->currentIndex());
+    for (const char* option : {"OptPreset", "OptUser", "OptBank1", "OptBank2"}) s[option] = onOff(at<QRadioButton>(option)->isChecked());
+    auto* program = at<QComboBox>("CmbPrgm");
+    s["CmbPrgm"] = QString("%1 of %2..%3").arg(program->currentIndex()).arg(program->itemText(0), program->itemText(127));
+    s["CmdPrfm"] = at<QPushButton>("CmdPrfm")->text();
+    for (int n = 1; n <= 4; ++n) {
+      s[QString("CmdLyr%1").arg(n)] = onOff(at(QString("CmdLyr%1").arg(n))->isEnabled());
+      s[QString("TxtLyr%1").arg(n)] = at<QLineEdit>(QString("TxtLyr%1").arg(n))->text();
+    }
+    for (const char* list : {"CmbMidNtNo", "CmbMidVel"}) s[list] = QString::number(at<QComboBox>(list)->currentIndex());
+    for (const char* slider : {"SldNt", "SldVel"}) s[slider] = QString::number(at<QSlider>(slider)->value());
+    QStringList entries;
+    for (int i = 0; i < pool->count(); ++i) entries << pool->item(i)->text();
+    s["LbxLyrPool"] = entries.join(" | ") + QString(" @%1").arg(pool->currentRow());
+    for (const char* entry : {"LocalOff", "ArpOff", "TrnsChnlAssgn"}) s[entry] = onOff(at<QAction>(entry)->isChecked());
+    s["frmPref"] = onOff(app.prefWindow()->isVisible());
+    s["asked"] = answers.asked.join(" / ");
+    return s;
+  }
+
+  void run(const std::vector<Row>& rows) {
+    runTable(rows, [this] { return state(); }, [this] { cs2x.clearLog(); }, [this] { return wire(); });
+  }
+};
+
+// The first Preset Performance of bank 1 after the one at start with all four Layers on.
+int allLayersOn() {
+  for (int p = 1; p < 128; ++p) {
+    const auto perf = VirtualCs2x::storedPerformance(VirtualCs2x::kPreset1, static_cast<std::uint8_t>(p));
+    if (std::all_of(perf.layers.begin(), perf.layers.end(), [](const auto& layer) { return layer[kLayerSwitchAt] == 1; }))
+      return p;
+  }
+  return -1;
+}
+
+TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
+  const int program = allLayersOn();
+  ASSERT_GT(program, 0);
+  const QString perfName = name(PrfNames1[static_cast<std::size_t>(program)]);
+  // Each Multi's list goes to a channel of its own, none the performance channel's.
+  auto channelOf = [](int m) { return 20 - m; };  // Multi 5 on index 15 .. Multi 16 on index 4
+  const Wire dropped = notesOff(kNote, kVelocity);
+  QStringList entries;  // what the Layer Pool holds
+  auto poolShows = [&](int selected) { return entries.join(" | ") + QString(" @%1").arg(selected); };
+
+  std::vector<Row> rows;
+  rows.push_back({"CmbPrgm", [&] { pick(at<QComboBox>("CmbPrgm"), program); },
+                  // The lone data byte between the Bank Select and the Program Change is no
+                  // message: the instrument passes over it.
+                  Wire{perfChannel(0), hexOf({0xB0, 0x00, 0x3F, 0xB0, 0x20, 0x40, 0xC0, program}), perfChannel(0)},
+                  {{"CmbPrgm", QString("%1 of %2..%3").arg(program).arg(name(PrfNames1[0]), name(PrfNames1[127]))},
+                   {"CmdPrfm", perfName}, {"TxtLyr1", perfName + "A"}, {"TxtLyr2", perfName + "B"},
+                   {"TxtLyr3", perfName + "C"}, {"TxtLyr4", perfName + "D"}}});
+  rows.back().wire.insert(rows.back().wire.end(), kPerfRequests.begin(), kPerfRequests.end());
+  rows.back().wire.push_back(perfChannel(kPerfChannel));
+
+  for (int m = 5; m <= 16; ++m) {
+    const QString list = QString("CmbMult%1").arg(m);
+    rows.push_back({list, [&, list, m] { pick(at<QComboBox>(list), channelOf(m)); }, {}, {{list, QString::number(channelOf(m))}}});
+  }
+  for (int m = 5; m <= 16; ++m) {
+    const QString button = QString("CmdMult%1").arg(m);
+    Wire wire{hexOf({0x90 + channelOf(m), kNote, kVelocity})};
+    wire.insert(wire.end(), dropped.begin(), dropped.end());
+    rows.push_back({button, [&, button] { press(at(button)), release(at(button)); }, wire, {}});
+  }
+  rows.push_back({"CmdPrfm", [&] { press(at("CmdPrfm")); }, {hexOf({0x90 + kPerfChannel, kNote, kVelocity})}, {}});
+  rows.push_back({"CmdPrfm", [&] { release(at("CmdPrfm")); }, {hexOf({0x80 + kPerfChannel, kNote, kVelocity})}, {}});
+  for (int n = 1; n <= 4; ++n) {
+    const QString button = QString("CmdLyr%1").arg(n);
+    rows.push_back({button, [&, button] { press(at(button)); }, {layerHeld(n, true, kPerfChannel, kNote, kVelocity)}, {}});
+    rows.push_back({button, [&, button] { release(at(button)); }, {layerHeld(n, false, kPerfChannel, kNote, kVelocity)}, {}});
+  }
+  for (int n = 1; n <= 4; ++n) {
+    const QString box = QString("TxtLyr%1").arg(n);
+    rows.push_back({box, [&, box] { press(at(box)), release(at(box)); }, dropped, {}});
+    rows.push_back({box,
+                    [&, box] { ASSERT_TRUE(dropOn(main, pool, *dragged(at(box)))); },
+                    dropped,
+                    {{"LbxLyrPool", (entries << perfName + QChar('A' + n - 1), poolShows(-1))}}});
+  }
+  Wire multiDropped{hexOf({0x90 + channelOf(9), kNote, kVelocity})};
+  multiDropped.insert(multiDropped.end(), dropped.begin(), dropped.end());
+  rows.push_back({"LbxLyrPool", [&] { ASSERT_TRUE(dropOn(main, pool, *dragged(at("CmdMult9")))); }, multiDropped,
+                  {{"LbxLyrPool", (entries << "Multi Part", poolShows(-1))}}});
+  auto entry = [&](int row) { return pool->visualItemRect(pool->item(row)).center(); };
+  rows.push_back({"LbxLyrPool", [&] { press(pool->viewport(), entry(2)), release(pool->viewport(), entry(2)); }, dropped,
+                  {{"LbxLyrPool", poolShows(2)}}});
+  const QString deleteAsked = "Delete from Layer Pool: Do you really want to delete item from Layer Pool?";
+  rows.push_back({"LbxLyrPool",
+                  [&] {
+                    answers.script.push_back(ModalAnswers::button(QMessageBox::Cancel));
+                    doubleClick(pool->viewport(), entry(1));
+                  },
+                  dropped, {{"LbxLyrPool", poolShows(1)}, {"asked", deleteAsked}}});
+  rows.push_back({"LbxLyrPool", [&] { doubleClick(pool->viewport(), entry(1)); }, dropped,
+                  {{"LbxLyrPool", (entries.removeAt(1), poolShows(1))}, {"asked", deleteAsked + " / " + deleteAsked}}});
+  rows.push_back({"CmdClrLyrPool", [&] { at<QPushButton>("CmdClrLyrPool")->click(); }, {}, {{"LbxLyrPool", " @-1"}}});
+
+  // The options refill the program list and send nothing; Bank1 after Bank2 shows bank 1 again.
+  auto programs = [](const QString& first, const QString& last) { return QString("-1 of %1..%2").arg(first, last); };
+  rows.push_back({"OptUser", [&] { at<QRadioButton>("OptUser")->click(); }, {},
+                  {{"OptPreset", "off"}, {"OptUser", "on"}, {"CmbPrgm", programs(" 1", " 128")}}});
+  rows.push_back({"OptBank2", [&] { at<QRadioButton>("OptBank2")->click(); }, {}, {{"OptBank1", "off"}, {"OptBank2", "on"}}});
+  rows.push_back({"OptPreset", [&] { at<QRadioButton>("OptPreset")->click(); }, {},
+                  {{"OptPreset", "on"}, {"OptUser", "off"}, {"CmbPrgm", programs(name(PrfNames2[0]), name(PrfNames2[127]))}}});
+  rows.push_back({"OptBank1", [&] { at<QRadioButton>("OptBank1")->click(); }, {},
+                  {{"OptBank1", "on"}, {"OptBank2", "off"}, {"CmbPrgm", programs(name(PrfNames1[0]), name(PrfNames1[127]))}}});
+
+  // The menus.
+  auto entryOf = [&](const QString& action) { return [this, action] { at<QAction>(action)->trigger(); }; };
+  Wire reread{perfChannel(0)};
+  reread.insert(reread.end(), kPerfRequests.begin(), kPerfRequests.end());
+  reread.push_back(perfChannel(kPerfChannel));
+  rows.push_back({"RtrvPerf", entryOf("RtrvPerf"), reread, {}});
+  Wire allMultis;
+  for (int m = 5; m <= 16; ++m) {
+    const Wire one = multiRequests(m);
+    allMultis.insert(allMultis.end(), one.begin(), one.end());
+    rows.push_back({QString("RtrvMulti%1").arg(m), entryOf(QString("RtrvMulti%1").arg(m)), one, {}});
+  }
+  rows.push_back({"RtrvAllMulti", entryOf("RtrvAllMulti"), allMultis, {}});
+  rows.push_back({"AllNtsOff", entryOf("AllNtsOff"), dropped, {}});
+  rows.push_back({"LocalOff", entryOf("LocalOff"), {"F0 43 10 63 50 00 0B 00 F7"}, {{"LocalOff", "on"}}});
+  rows.push_back({"ArpOff", entryOf("ArpOff"), {"F0 43 10 63 60 00 33 04 F7"}, {{"ArpOff", "on"}}});
+  rows.push_back({"TrnsChnlAssgn", entryOf("TrnsChnlAssgn"), {}, {{"TrnsChnlAssgn", "on"}}});
+  rows.push_back({"StrtupPref", entryOf("StrtupPref"), {}, {{"frmPref", "on"}}});
+  rows.push_back({"ExitMenu",
+                  [&] {
+                    answers.script.push_back(ModalAnswers::button(QMessageBox::Cancel));
+                    at<QAction>("ExitMenu")->trigger();
+                  },
+                  {}, {{"asked", deleteAsked + " / " + deleteAsked + " / Exit: Do you really want to exit program?"}}});
+
+  // The test note: a list and its slider show the same number.
+  rows.push_back({"CmbMidNtNo", [&] { pick(at<QComboBox>("CmbMidNtNo"), 60); }, {}, {{"CmbMidNtNo", "60"}, {"SldNt", "60"}}});
+  rows.push_back({"CmbMidVel", [&] { pick(at<QComboBox>("CmbMidVel"), 100); }, {}, {{"CmbMidVel", "100"}, {"SldVel", "100"}}});
+  rows.push_back({"SldNt", [&] { QTest::keyClick(at("SldNt"), Qt::Key_Up); }, {}, {{"CmbMidNtNo", "61"}, {"SldNt", "61"}}});
+  rows.push_back({"SldVel", [&] { QTest::keyClick(at("SldVel"), Qt::Key_Down); }, {}, {{"CmbMidVel", "99"}, {"SldVel", "99"}}});
+
+  run(rows);
+  expectEveryControlHasARow(main, rows);
+  EXPECT_FALSE(app.logic().finished());
+}
+
+// ---- The preferences -----------------------------------------------------------------------
+
+class PrefWiring : public ScriptedQtProgram {
+ protected:
+  PrefWindow* pref = nullptr;
+
+  template <typename W = QWidget>
+  W* at(const QString& name) const {
+    return child<W>(pref, name);
+  }
+  static QString multiBox(int m) { return m == 8 ? "Chkmlt8" : QString("ChkMlt%1").arg(m); }
+
+  // Each control as the window shows it and as the form holds it.
+  State state() const {
+    const PrefForm& form = const_cast<PrefWiring*>(this)->app.logic().pref();
+    State s;
+    for (int m = 5; m <= 16; ++m) s[multiBox(m)] = onOff(at<QCheckBox>(multiBox(m))->isChecked()) + QString::number(form.ChkMlt(m).value);
+    s["ChkLdFile"] = onOff(at<QCheckBox>("ChkLdFile")->isChecked()) + QString::number(form.ChkLdFile.value);
+    s["TxtLdFile"] = at<QLineEdit>("TxtLdFile")->text() + " | " + QString::fromStdString(form.workspacePath());
+    const std::pair<const char*, const ListCtl*> lists[] = {{"Combo1", &form.Combo1}, {"Combo2", &form.Combo2}, {"cmbPerfChnl", &form.cmbPerfChnl}};
+    for (const auto& [list, ctl] : lists)
+      s[list] = at<QComboBox>(list)->currentText() + QString(" %1").arg(ctl->index());
+    s["Slider1"] = QString("%1 %2").arg(at<QSlider>("Slider1")->value()).arg(form.Slider1.value);
+    s["frmPref"] = onOff(pref->isVisible());
+    s["stored"] = QString::number(std::filesystem::exists(prefs.path) ? std::filesystem::file_size(prefs.path) : 0);
+    return s;
+  }
+};
+
+TEST_F(PrefWiring, EveryControlDoesItsOwnWork) {
+  ASSERT_NE(startMainForm(), nullptr);
+  std::filesystem::remove(prefs.path);
+  child<QAction>(app.mainWindow(), "StrtupPref")->trigger();
+  pref = app.prefWindow();
+  ASSERT_TRUE(pref->isVisible());
+  test::TempFile chosen;
+  const QString workspace = QString::fromStdString(chosen.path) + ".tvw";
+  std::ofstream(workspace.toStdString()) << "x";
+
+  std::vector<Row> rows;
+  for (int m = 5; m <= 16; ++m)
+    rows.push_back({multiBox(m), [&, m] { at<QCheckBox>(multiBox(m))->click(); }, {}, {{multiBox(m), "on1"}}});
+  rows.push_back({"ChkLdFile", [&] { at<QCheckBox>("ChkLdFile")->click(); }, {}, {{"ChkLdFile", "on1"}}});
+  rows.push_back({"TxtLdFile", [&] { QTest::keyClicks(at("TxtLdFile"), "/tmp/typed.tvw"); }, {},
+                  {{"TxtLdFile", "/tmp/typed.tvw | /tmp/typed.tvw"}}});
+  // The dialog's file name box takes the whole path.
+  rows.push_back({"CmdBrowse",
+                  [&] {
+                    answers.script.push_back([&](QWidget* modal) {
+                      auto* fileName = child<QLineEdit>(qobject_cast<QFileDialog*>(modal), "fileNameEdit");
+                      fileName->setText(workspace);
+                      QTest::keyClick(fileName, Qt::Key_Return);
+                    });
+                    at<QPushButton>("CmdBrowse")->click();
+                  },
+                  {}, {{"TxtLdFile", workspace + " | " + workspace}}});
+  rows.push_back({"Combo1", [&] { pick(at<QComboBox>("Combo1"), 1); }, {}, {{"Combo1", "In B 1"}}});
+  rows.push_back({"Combo2", [&] { pick(at<QComboBox>("Combo2"), 1); }, {}, {{"Combo2", "Out B 1"}}});
+  rows.push_back({"cmbPerfChnl", [&] { pick(at<QComboBox>("cmbPerfChnl"), 9); }, {perfChannel(9)}, {{"cmbPerfChnl", " 10 9"}}});
+  rows.push_back({"Slider1", [&] { QTest::keyClick(at("Slider1"), Qt::Key_Right); }, {}, {{"Slider1", "1 1"}}});
+  rows.push_back({"OKButton", [&] { at<QPushButton>("OKButton")->click(); }, {}, {{"frmPref", "off"}, {"stored", "169"}}});
+
+  runTable(rows, [this] { return state(); }, [this] { midi.sent.clear(); }, [this] { return test::hex(midi.sent); });
+  expectEveryControlHasARow(pref, rows);
+  std::filesystem::remove(workspace.toStdString());
+}
+
+// The settings go out through OK and come back at the next start, each to its own control:
+// In B and Out A, the boxes of Multi 6 and 13, channel 10, density 2.
+TEST_F(ScriptedQtProgram, PreferencesComeBackAtTheNextStartEachInItsOwnControl) {
+  app.start();
+  PrefWindow* pref = app.prefWindow();
+  pick(child<QComboBox>(pref, "Combo1"), 1);
+  pick(child<QComboBox>(pref, "Combo2"), 1);
+  pick(child<QComboBox>(pref, "Combo2"), 0);
+  for (const char* box : {"ChkMlt6", "ChkMlt13", "ChkLdFile"}) child<QCheckBox>(pref, box)->click();
+  QTest::keyClicks(child<QLineEdit>(pref, "TxtLdFile"), "/nowhere/set.tvw");
+  pick(child<QComboBox>(pref, "cmbPerfChnl"), 9);
+  QTest::keyClick(child<QSlider>(pref, "Slider1"), Qt::Key_Right);
+  QTest::keyClick(child<QSlider>(pref, "Slider1"), Qt::Key_Right);
+  ASSERT_NE(startMainForm(), nullptr);
+
+  // The start opened the chosen devices and read the two chosen Multis (parts 5 and 12).
+  auto calls = midi.midiCalls();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "midiOutOpen 0"), 1);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "midiInOpen 1 callback"), 1);
+  std::set<std::string> multisRead;
+  for (const std::string& sent : test::hex(midi.sent))
+    if (sent.starts_with("F0 43 20 4C 08") && sent.ends_with(" 00 F7")) multisRead.insert(sent);
+  EXPECT_EQ(multisRead, (std::set<std::string>{"F0 43 20 4C 08 05 00 F7", "F0 43 20 4C 08 0C 00 F7"}));
+
+  QtApp next(midi);
+  next.logic().pref().prefsPath = prefs.path;
+  next.start();
+  PrefWindow* again = next.prefWindow();
+  EXPECT_EQ(child<QComboBox>(again, "Combo1")->currentText(), "In B");
+  EXPECT_EQ(child<QComboBox>(again, "Combo2")->currentText(), "Out A");
+  for (int m = 5; m <= 16; ++m)
+    EXPECT_EQ(child<QCheckBox>(again, m == 8 ? "Chkmlt8" : QString("ChkMlt%1").arg(m))->isChecked(), m == 6 || m == 13) << m;
+  EXPECT_TRUE(child<QCheckBox>(again, "ChkLdFile")->isChecked());
+  EXPECT_EQ(child<QLineEdit>(again, "TxtLdFile")->text().trimmed(), "/nowhere/set.tvw");
+  EXPECT_EQ(child<QComboBox>(again, "cmbPerfChnl")->currentText(), " 10");
+  EXPECT_EQ(child<QSlider>(again, "Slider1")->value(), 2);
+}
+
+// A stored density beyond the slider's end (the record allows up to 7) shows at that end.
+TEST_F(ScriptedQtProgram, AStoredDensityBeyondTheSliderShowsAtItsEnd) {
+  std::string record(169, '\0');
+  std::fill(record.begin() + 18, record.begin() + 163, ' ');  // path and reserved field
+  record[163] = 5;
+  std::ofstream(prefs.path, std::ios::binary) << record;
+  app.start();
+  EXPECT_EQ(child<QSlider>(app.prefWindow(), "Slider1")->value(), 3);
+}
+
+}  // namespace
+}  // namespace tessivo::qt
