@@ -67,6 +67,60 @@ class ListCtl {
   int index_ = -1;
 };
 
+// A check box whose click also runs when code changes its value, as an option group's does.
+class ClickCheckCtl {
+ public:
+  std::string caption;
+  bool enabled = true;
+  std::function<void()> click;
+
+  int value() const { return value_; }
+  // From code: the click runs only when the value changes.
+  void setValue(int value) {
+    if (value == value_) return;
+    value_ = value;
+    if (click) click();
+  }
+  // The user's click toggles, and so always runs the click.
+  void toggle() {
+    value_ = value_ ? 0 : 1;
+    if (click) click();
+  }
+
+ private:
+  int value_ = 0;
+};
+
+// A group of option buttons: which one is selected, -1 for none.
+class OptionGroupCtl {
+ public:
+  std::string frame;                  // the frame's caption
+  std::vector<std::string> captions;  // the buttons', in index order
+  std::function<void()> click;
+
+  int index() const { return index_; }
+  // From code: a member that does not exist selects none and runs nothing; the click runs only
+  // when the selection changes.
+  void setIndex(int index) {
+    if (index < 0 || index >= static_cast<int>(captions.size())) {
+      index_ = -1;
+      return;
+    }
+    if (index == index_) return;
+    index_ = index;
+    if (click) click();
+  }
+  // The user's click on member `index`, selected before or not.
+  void pick(int index) {
+    if (index < 0 || index >= static_cast<int>(captions.size())) return;
+    index_ = index;
+    if (click) click();
+  }
+
+ private:
+  int index_ = -1;
+};
+
 // A list box whose items each carry a number of their own (item data).
 struct ListBoxCtl {
   std::vector<std::string> items;

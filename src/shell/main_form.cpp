@@ -38,10 +38,11 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
              [this](int multi) { return row(multi).CmdMult.caption; }}),
       audition_(link, CmbMidNtNo, CmbMidVel, perf_.LyrOnTbl,
                 {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return TrnsChnlAssgnChecked; },
-                 [this] { return SSTab1Visible; }, {}}) {
+                 [this] { return edit_.visible; }, [this](int multi) { edit_.EditMult_Click(multi); }}),
+      edit_(link, images_, [this](int multi) -> ButtonCtl& { return row(multi).CmdMult; }),
+      multis_(link, images_, pool_, edit_) {
   CmbMidNtNo.click = [this] { SldNt.value = Audition::sliderPosition(CmbMidNtNo.index()); };
   CmbMidVel.click = [this] { SldVel.value = Audition::sliderPosition(CmbMidVel.index()); };
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi " + std::to_string(m);
   link_.attachImages(&images_);
   link_.ReqParm = [this] {
     const auto a = fieldByte(TxtParm[1].text), b = fieldByte(TxtParm[2].text), c = fieldByte(TxtParm[3].text);
@@ -57,13 +58,13 @@ void MainForm::fillStartLists() {
     CmbMidVel.addItem(signedText(i));
   }
   pool_.freeAll();
-  SSTab1Visible = false;
+  edit_.visible = false;
   List1Visible = false;
   for (int ch = 1; ch <= 16; ++ch)
-    for (MultiRow& r : rows_) r.CmbMult.addItem(signedText(ch));
+    for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmbMult.addItem(signedText(ch));
   // Receive channels at start: M5..M8 on 1, M9..M12 on 5, M13..M16 on 9.
   for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmbMult.setIndex(((m - kFirstMulti) / 4) * 4);
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = "Multi Part M" + std::to_string(m);
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) row(m).CmdMult.caption = startCaption(m);
   link_.setLengthTables();
   CmbMidNtNo.setIndex(kStartNote);
   CmbMidVel.setIndex(kStartVelocity);
@@ -100,14 +101,16 @@ bool MainForm::openPorts() {
   return true;
 }
 
-void MainForm::readMultis() {
+void MainForm::fillMultis() {
+  // Each Multi from the instrument where its box is checked, else with the defaults.
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
-    if (pref_.ChkMlt(m).value == 0) continue;  // initialised with defaults instead
-    link_.RtrvMlt(static_cast<std::int16_t>(m));
-    // The list shows the part's receive channel; a byte that is no channel (0x10: none) is
-    // refused by the list, which keeps its start value.
-    row(m).CmbMult.setIndex(images_.multi.section(static_cast<std::size_t>(m - 1), 0)[kReceiveChannelAt]);
+    if (pref_.ChkMlt(m).value == 0) multis_.InitMlt(m - 1);
+    else link_.RtrvMlt(static_cast<std::int16_t>(m));
   }
+  // The lists show the parts' receive channels, silently while loading. A byte that is no
+  // channel (0x10: none) is refused by the list, which keeps its value.
+  for (int m = kFirstMulti; m <= kLastMulti; ++m)
+    row(m).CmbMult.setIndex(images_.multi.section(static_cast<std::size_t>(m - 1), 0)[kReceiveChannelAt]);
 }
 
 void MainForm::Form_Loadx() {
@@ -119,7 +122,7 @@ void MainForm::Form_Loadx() {
   FillLists();
   panel.CmbPrgm.setIndex(0);  // its click changes the Performance and reads it
   perf_.DspPerf();
-  readMultis();
+  fillMultis();
   link_.ConnectThru();
   perf_.ChngPrfMidiChan();
   link_.LoadingFlag = 0;
@@ -158,6 +161,7 @@ void MainForm::ClosePorts(bool report) {
 void MainForm::DragDrop(const std::string& target, const std::string& source) {
   AllNtsOffSnd();  // ends the test note of a Multi drag, and any other
   if (target == "LbxLyrPool") pool_.Drop(source);
+  else if (const int multi = sourceNumber(target, "CmdMult", kFirstMulti, kLastMulti)) multis_.CmdMult_DragDrop(multi, source);
 }
 
 void MainForm::SldNt_Scroll() { CmbMidNtNo.setIndex(Audition::listIndex(SldNt.value)); }

@@ -11,16 +11,13 @@
 #include "link/midi_link.h"
 #include "perform/audition.h"
 #include "perform/performance.h"
-#include "pool/layer_pool.h"
 #include "data/controls.h"
+#include "edit/edit_panel.h"
+#include "pool/layer_pool.h"
+#include "pool/multis.h"
 #include "shell/pref_form.h"
 
 namespace tessivo {
-
-struct MultiRow {
-  ButtonCtl CmdMult;  // its caption holds the Multi's name
-  ListCtl CmbMult;    // receive channel, index 0..15
-};
 
 // A manual field's number as one byte: the whole-number part of a decimal number 0..255.
 // Nothing for a text that is no such number.
@@ -35,8 +32,10 @@ class MainForm {
   MainForm(const MainForm&) = delete;
   MainForm& operator=(const MainForm&) = delete;
 
-  MultiRow& row(int multi) { return rows_[static_cast<std::size_t>(multi - kFirstMulti)]; }
-  const MultiRow& row(int multi) const { return rows_[static_cast<std::size_t>(multi - kFirstMulti)]; }
+  MultiRow& row(int multi) { return multis_.row(multi); }
+  const MultiRow& row(int multi) const { return multis_.row(multi); }
+  Multis& multis() { return multis_; }
+  EditPanel& edit() { return edit_; }
   Images& images() { return images_; }
   Performance& performance() { return perf_; }
   LayerPool& pool() { return pool_; }
@@ -44,7 +43,7 @@ class MainForm {
 
   // A drop on one of the form's controls (`target` its name) of a drag from `source` (the
   // source control's name, empty for another program's drag). Every drop first stops all
-  // notes; the Layer Pool takes Layers and Multis.
+  // notes; the Layer Pool takes Layers and Multis, a Multi button a Pool entry.
   void DragDrop(const std::string& target, const std::string& source);
   // Sliders beside the test note lists: a move sets the list (position = 127 - index).
   void SldNt_Scroll();
@@ -85,13 +84,13 @@ class MainForm {
   ListCtl CmbMidNtNo, CmbMidVel;  // the test note and its velocity
   SliderCtl SldNt{60, 0, 127}, SldVel{0, 0, 127};
   ListCtl CmbRvrb, CmbChrs, CmbVar;  // effect types of the effects panel
-  bool SSTab1Visible = true, SSTab2Visible = false, List1Visible = true;
+  bool SSTab2Visible = false, List1Visible = true;
   LyrTemplate LyrTmpl;
 
  private:
   void fillStartLists();
   bool openPorts();
-  void readMultis();
+  void fillMultis();
 
   MidiLink& link_;
   PrefForm& pref_;
@@ -99,7 +98,8 @@ class MainForm {
   Performance perf_;
   LayerPool pool_;
   Audition audition_;
-  std::array<MultiRow, kMultiRows> rows_;
+  EditPanel edit_;
+  Multis multis_;
   bool portsClosed_ = false;
 };
 

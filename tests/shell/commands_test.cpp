@@ -83,7 +83,9 @@ TEST_F(Commands, ManualFieldsSendTheWholeNumberPartOfTheirBytesAndRefuseWhatIsNo
 }
 
 TEST_F(Commands, RetrieveMenuReadsMultisWithoutTouchingTheirListsAndRenewsThruAfterEachBlock) {
-  form->row(9).CmbMult.setIndex(6);
+  form->row(9).CmbMult.setIndex(6);  // once the form has filled, a new channel goes out
+  EXPECT_EQ(sentHex(), (Texts{"F0 43 10 4C 08 08 04 06 F7"}));
+  midi.sent.clear();
   form->RtrvMulti_Click(9);
   // The requests' own bytes are pinned with the message forms; here, which part they ask for.
   constexpr std::size_t kPartAt = 5;

@@ -73,7 +73,7 @@ TEST_F(Startup, TheMainFormIsFilledForItsFirstShowing) {
   EXPECT_EQ(form.CmbMidVel.index(), 127);
   EXPECT_EQ(form.SldNt.value, 60);
   EXPECT_EQ(form.SldVel.value, 0);
-  EXPECT_FALSE(form.SSTab1Visible);
+  EXPECT_FALSE(form.edit().visible);
   EXPECT_FALSE(form.List1Visible);
   const auto& free = form.pool().PoolFree;
   EXPECT_TRUE(std::all_of(free.begin(), free.begin() + 128, [](auto f) { return f == 256; }));
@@ -107,7 +107,8 @@ TEST_F(Startup, AFailedInputIsReportedAndTheStartGoesOnWithSendsOnly) {
   expected.insert(expected.end(), 16, box("InPrepHdr", "in error 5"));
   expected.push_back(box("Connect", "in error 5"));
   EXPECT_EQ(screen.texts(), expected);
-  EXPECT_EQ(midi.calls["midiOutLongMsg"], 1 + 1 + 2 * 2 + 1);  // channel 0, program, 2 x DspPerf, channel
+  // channel 0, program, 2 x DspPerf, twelve Multis of five defaults, channel
+  EXPECT_EQ(midi.calls["midiOutLongMsg"], 1 + 1 + 2 * 2 + 12 * 5 + 1);
   EXPECT_EQ(app.link().LoadingFlag, 0);
 }
 

@@ -38,8 +38,22 @@ TEST_F(StartAgainstInstrument, TheWireCarriesProgramChangeTwoReadsAndTheChannelI
                                      "F0 43 20 63 60 00 60 F7", "F0 43 20 63 60 01 00 F7", "F0 43 20 63 60 02 00 F7",
                                      "F0 43 20 63 60 03 00 F7", "F0 43 20 63 60 04 00 F7", "F0 43 20 63 50 00 00 F7",
                                      "F0 43 10 63 50 00 00 03 F7"});
-  expected.push_back("F0 43 10 63 50 00 00 03 F7");
-  EXPECT_EQ(wire(), expected);
+  // Then no Multi box checked: each Multi gets its defaults, M5 first, as five XG bulk dumps
+  // with no channel message between (the form is loading); last the performance channel.
+  const Texts sent = wire();
+  ASSERT_EQ(sent.size(), expected.size() + 60 + 1);
+  EXPECT_EQ(Texts(sent.begin(), sent.begin() + static_cast<std::ptrdiff_t>(expected.size())), expected);
+  const std::array<std::string, 5> addresses{"08 %02X 00", "08 %02X 30", "08 %02X 70", "08 %02X 74", "0A %02X 20"};
+  for (int part = 4; part <= 15; ++part)
+    for (std::size_t s = 0; s < 5; ++s) {
+      const std::string& dump = sent[expected.size() + static_cast<std::size_t>(part - 4) * 5 + s];
+      char address[16];
+      std::snprintf(address, sizeof address, addresses[s].c_str(), part);
+      EXPECT_EQ(dump.substr(0, 11), "F0 43 00 4C") << dump;
+      EXPECT_EQ(dump.substr(18, 8), address) << dump;
+    }
+  EXPECT_EQ(sent[expected.size() + 3 * 5].substr(0, 47), "F0 43 00 4C 00 29 08 07 00 00 00 00 00 07 01 01");
+  EXPECT_EQ(sent.back(), "F0 43 10 63 50 00 00 03 F7");
   EXPECT_TRUE(screen.boxes.empty());
   EXPECT_EQ(cs2x.performanceChannel(), 3);
   EXPECT_EQ(app.mainForm()->images().perf.Com0()[PerfImage::kPerfChannelAt], 3);
@@ -71,18 +85,24 @@ TEST_F(StartAgainstInstrument, TheFormShowsTheFirstPresetAndItsLayersAndAProgram
   EXPECT_TRUE(screen.boxes.empty());
 }
 
-TEST_F(StartAgainstInstrument, ACheckedMultiIsReadAndItsChannelShown) {
+// Multi 9 alone checked: defaults for M5..M8, M9 read, defaults for M10..M16, in that order,
+// and every list shows its part's channel without a channel message.
+TEST_F(StartAgainstInstrument, ACheckedMultiIsReadInItsPlaceAmongTheInitialisedAndEveryChannelShown) {
   MainForm& form = start(0, {9});
-  int multiRequests = 0;
-  for (const auto& m : wire())
-    if (m.rfind("F0 43 20 4C", 0) == 0) {
-      ++multiRequests;
-      EXPECT_EQ(m.substr(15, 2), "08") << m;  // part index 8 for Multi 9
-    }
-  EXPECT_EQ(multiRequests, 5);
+  std::string parts;  // per Multi message: 'i' a default dump, 'r' a request, with the part
+  for (const auto& m : wire()) {
+    if (m.rfind("F0 43 00 4C", 0) == 0) parts += "i" + m.substr(21, 2) + " ";
+    else if (m.rfind("F0 43 20 4C", 0) == 0) parts += "r" + m.substr(15, 2) + " ";
+    EXPECT_NE(m.rfind("F0 43 10 4C", 0), 0u) << "an XG parameter change while loading: " << m;
+  }
+  std::string expected;
+  for (int part = 4; part <= 15; ++part)
+    for (int s = 0; s < 5; ++s) expected += (part == 8 ? "r" : "i") + hex(Bytes{static_cast<std::uint8_t>(part)}) + " ";
+  EXPECT_EQ(parts, expected);
   const auto section0 = form.images().multi.section(8, 0);
   EXPECT_EQ(section0[0], 0xF0);
   EXPECT_EQ(form.row(9).CmbMult.index(), section0[13]);
+  for (int m : {5, 8, 10, 16}) EXPECT_EQ(form.row(m).CmbMult.index(), m - 1) << m;
 }
 
 TEST_F(StartAgainstInstrument, NoGestureLeavesANoteSoundingAfterTheNextDrop) {

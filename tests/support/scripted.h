@@ -104,6 +104,7 @@ class ScriptedScreen : public Screen {
   std::deque<MsgAnswer> answers;  // answers to the next boxes; Ok when empty
   std::vector<Box> boxes;
   bool busy = false;
+  std::vector<bool> busyChanges;  // every setBusy, in order
   std::deque<std::string> openAnswers;  // files chosen in the next open dialogs; empty: Cancel
   std::vector<FileDialog> dialogs;
 
@@ -115,7 +116,10 @@ class ScriptedScreen : public Screen {
   void showForm(FormId form) override { log("show ", form); }
   void hideForm(FormId form) override { log("hide ", form); }
   void unloadForm(FormId form) override { log("unload ", form); }
-  void setBusy(bool b) override { busy = b; }
+  void setBusy(bool b) override {
+    busy = b;
+    busyChanges.push_back(b);
+  }
   void startTimer(int intervalMs) override { events_.push_back("timer " + std::to_string(intervalMs)); }
   bool showOpen(FileDialog& dialog) override;
 
