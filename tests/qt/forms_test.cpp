@@ -13,6 +13,9 @@
 #include <QRadioButton>
 #include <QSlider>
 #include <QStyleOption>
+#include <QTabWidget>
+
+#include "edit/slider_map.h"
 
 #include "data/tables.h"
 #include "qt/qt_program.h"
@@ -44,8 +47,8 @@ TEST_F(Forms, ThePreferencesComeFirstAndEnterStartsTheProgramThroughTheSplash) {
   EXPECT_FALSE(main->isVisible());  // created hidden until the timer's tick
   ASSERT_TRUE(QTest::qWaitFor([&] { return main->isVisible(); }, 60000));
   EXPECT_EQ(app.form(FormId::Splash), nullptr);
-  for (int m = 5; m <= 16; ++m)  // receive channels 1, 5 and 9 by fours
-    EXPECT_EQ(child<QComboBox>(main, QString("CmbMult%1").arg(m))->currentIndex(), (m - 5) / 4 * 4);
+  for (int m = 5; m <= 16; ++m)  // initialised at start: each Multi on its own number's channel
+    EXPECT_EQ(child<QComboBox>(main, QString("CmbMult%1").arg(m))->currentIndex(), m - 1);
   EXPECT_EQ(child<QComboBox>(main, "CmbPrgm")->currentText(), text(PrfNames1[0]));
 }
 
@@ -62,11 +65,16 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
     }
     return entries;
   };
-  QStringList multis;
-  for (int m = 5; m <= 16; ++m) multis << QString("RtrvMulti%1=Multi %1").arg(m);
+  auto multis = [](const char* name) {
+    QStringList entries;
+    for (int m = 5; m <= 16; ++m) entries << QString("%1%2=Multi %2").arg(name).arg(m);
+    return entries.join(", ");
+  };
   EXPECT_EQ(tree(main->menuBar()->actions()),
             QStringList({"FileMenu=File [StrtupPref=Startup Preferences, ExitMenu=Exit]",
-                         "Retrv=Retrieve [RtrvPerf=Performance, RtrvAllMulti=All Multis, RtrvMult=Multi [" + multis.join(", ") + "]]",
+                         "EditMenu=Edit [EditMulti=Multi [" + multis("EditMult") + "]]",
+                         "Retrv=Retrieve [RtrvPerf=Performance, RtrvAllMulti=All Multis, RtrvMult=Multi [" + multis("RtrvMulti") + "]]",
+                         "Init=Initialize [InitMltall=All Multis, Mlt=Multi [" + multis("InitMlt") + "]]",
                          "mnuMidi=Midi [AllNtsOff=All Notes Off, LocalOff=Local Off, ArpOff=Arpeggiator Off, "
                          "TrnsChnlAssgn=Trans Chnl Assigned by Audition]"}));
 }
@@ -128,7 +136,9 @@ void expectFound(QWidget* window, const Expected& byName, const std::vector<std:
     EXPECT_EQ(labelled(window, label), control) << label.toStdString();
     all << control;
   }
+  const auto* panel = window->findChild<QWidget*>("SSTab1");  // its own test looks inside
   for (QWidget* w : window->findChildren<QWidget*>()) {
+    if (panel != nullptr && panel->isAncestorOf(w)) continue;
     const bool control = w->window() == window && (w->parentWidget() == window || w->parentWidget()->objectName() == "CS2xClient" ||
                                                    qobject_cast<QGroupBox*>(w->parentWidget()) || w->parentWidget()->objectName() == "Frame1");
     if (control && !qobject_cast<QMenuBar*>(w) && w->objectName() != "CS2xClient")
@@ -148,7 +158,7 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
                            {R::RadioButton, "Bank1", "OptBank1"},   {R::RadioButton, "Bank2", "OptBank2"},
                            {R::PushButton, text(PrfNames1[0]), "CmdPrfm"}, {R::Slider, "SldNt", "SldNt"},
                            {R::Slider, "SldVel", "SldVel"},         {R::List, "LbxLyrPool", "LbxLyrPool"},
-                           {R::PushButton, "Clear", "CmdClrLyrPool"}};
+                           {R::PushButton, "Clear", "CmdClrLyrPool"}, {R::Client, "SSTab1", "SSTab1"}};
   for (int n = 1; n <= 4; ++n) {
     mainControls.emplace_back(R::PushButton, QString("Layer%1").arg(n), QString("CmdLyr%1").arg(n));
     mainControls.emplace_back(R::EditableText, QString("TxtLyr%1").arg(n), QString("TxtLyr%1").arg(n));
@@ -157,9 +167,11 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
   expectFound(main, mainControls,
               {{"Prgm", "CmbPrgm"}, {"Performance", "CmdPrfm"}, {"Note", "CmbMidNtNo"}, {"Velocity", "CmbMidVel"},
                {"Layer Pool", "LbxLyrPool"}, {"Midi Chan", "CmbMult5"}});
-  // Menu entries by their captions, below their menus in the bar.
+  // Menu entries by their captions within their menus ("Multi 5" stands under Edit, Retrieve
+  // and Initialize alike).
   for (QAction* action : main->findChildren<QAction*>())
-    if (!action->objectName().isEmpty()) EXPECT_EQ(found(main, R::MenuItem, action->text()), action->objectName()) << action->text().toStdString();
+    if (auto* menu = qobject_cast<QMenu*>(action->parent()); menu && !action->objectName().isEmpty())
+      EXPECT_EQ(found(menu, R::MenuItem, action->text()), action->objectName()) << action->text().toStdString();
 
   Expected prefControls = {{R::CheckBox, "ChkLdFile", "ChkLdFile"}, {R::PushButton, "Browse", "CmdBrowse"},
                            {R::EditableText, "TxtLdFile", "TxtLdFile"}, {R::Slider, "Slider1", "Slider1"},
@@ -178,6 +190,48 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
     EXPECT_EQ(QAccessible::queryAccessibleInterface(window)->text(QAccessible::Name), window->windowTitle());
   }
   EXPECT_EQ(titles, (std::set<QString>{"CS2x Tessivo", "Tessivo Startup Preferences"}));
+}
+
+// The edit panel's pages: sliders, their boxes and the name box by name, buttons, options and
+// tabs by caption, the voice boxes through their label.
+TEST_F(Forms, EveryControlOfTheEditPanelIsFoundFromOutside) {
+  using R = QAccessible::Role;
+  MainWindow* main = startMainForm();
+  ASSERT_NE(main, nullptr);
+  child<QAction>(main, "EditMult7")->trigger();
+  auto* panel = child<QTabWidget>(main, "SSTab1");
+  ASSERT_TRUE(panel->isVisible());
+  Expected controls = {{R::EditableText, "TxtMsb", "TxtMsb"}, {R::EditableText, "TxtLsb", "TxtLsb"},
+                       {R::EditableText, "TxtPrg", "TxtPrg"}, {R::PushButton, "Change", "CmdVocChng"},
+                       {R::EditableText, "TxtName1", "TxtName1"}, {R::CheckBox, "On/Off", "ChckPort"},
+                       {R::Grouping, "Part Mode", "FrmPartMode"}, {R::Grouping, "Mono/Poly Mode", "FrmMonoPoly"},
+                       {R::Grouping, "Same Note No. Key On Assign", "FrmSameNote"}};
+  for (std::size_t row = 0; row < kEditSliders; ++row) {
+    controls.emplace_back(R::Slider, text(kSliderMap[row].control), text(kSliderMap[row].control));
+    controls.emplace_back(R::EditableText, text(kSliderMap[row].textBox), text(kSliderMap[row].textBox));
+  }
+  const std::vector<std::pair<QString, QStringList>> options{{"Option1", {"Single", "Multi", "Inst"}},
+                                                             {"Option2", {"Mono", "Poly"}},
+                                                             {"Option3", {"Norm", "Drum", "Drum1", "Drum2"}}};
+  for (const auto& [group, captions] : options)
+    for (int i = 0; i < captions.size(); ++i)
+      controls.emplace_back(R::RadioButton, captions[i], QString("%1_%2").arg(group).arg(i));
+  for (const auto& [role, name, control] : controls) EXPECT_EQ(found(panel, role, name), control) << name.toStdString();
+  EXPECT_EQ(labelled(panel, " msb    lsb     prg"), "TxtMsb");
+  EXPECT_EQ(labelled(panel, "Variation Send"), "SldEffVar");
+  EXPECT_EQ(labelled(panel, "Detune"), "SldNtDtn");
+  for (int page = 1; page <= 3; ++page) {
+    const auto all = elements(panel);
+    EXPECT_EQ(std::count_if(all.begin(), all.end(), [&](QAccessibleInterface* e) {
+                return e->role() == R::PageTab && e->text(QAccessible::Name) == QString("Page %1").arg(page);
+              }),
+              1)
+        << page;
+  }
+  QStringList tabs;
+  for (int i = 0; i < panel->count(); ++i) tabs << panel->tabText(i);
+  EXPECT_EQ(tabs, (QStringList{"Page 1", "Page 2", "Page 3"}));
+  for (const char* done : {"CmdDone1", "CmdDone2_0", "CmdDone2_1"}) EXPECT_EQ(child<QPushButton>(panel, done)->text(), "Done");
 }
 
 TEST_F(Forms, TheSplashShowsItsTextsAndItsPictureByName) {

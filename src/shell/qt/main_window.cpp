@@ -15,6 +15,7 @@
 
 #include "data/tables.h"
 #include "link/numtext.h"
+#include "shell/qt/edit_tab.h"
 #include "shell/qt/gestures.h"
 #include "shell/qt/names.h"
 #include "shell/qt/qt_app.h"
@@ -95,6 +96,7 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   buildTestNote(central);
   buildPool(central);
   buildMultiRows(central);
+  editTab_ = new EditTab(form_.edit(), [this] { handled(); }, central);
   acceptDrops();
   render();
 }
@@ -168,6 +170,19 @@ void MainWindow::buildMenus() {
     app_.afterHandler();
   });
 
+  QMenu* edit = menuBar()->addMenu("Edit");
+  edit->setObjectName("EditMenu");
+  QMenu* editMulti = edit->addMenu("Multi");
+  editMulti->setObjectName("EditMulti");
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    QAction* action = editMulti->addAction(QString("Multi %1").arg(m));
+    action->setObjectName(QString("EditMult%1").arg(m));
+    connect(action, &QAction::triggered, this, [this, m] {
+      form_.edit().EditMult_Click(m);
+      handled();
+    });
+  }
+
   QMenu* retrieve = menuBar()->addMenu("Retrieve");
   retrieve->setObjectName("Retrv");
   addEntry(retrieve, "RtrvPerf", "Performance", &MainForm::RtrvPerf_Click);
@@ -179,6 +194,25 @@ void MainWindow::buildMenus() {
     action->setObjectName(QString("RtrvMulti%1").arg(m));
     connect(action, &QAction::triggered, this, [this, m] {
       form_.RtrvMulti_Click(m);
+      handled();
+    });
+  }
+
+  QMenu* init = menuBar()->addMenu("Initialize");
+  init->setObjectName("Init");
+  QAction* all = init->addAction("All Multis");
+  all->setObjectName("InitMltall");
+  connect(all, &QAction::triggered, this, [this] {
+    form_.multis().InitMltall_Click();
+    handled();
+  });
+  QMenu* initMulti = init->addMenu("Multi");
+  initMulti->setObjectName("Mlt");
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    QAction* action = initMulti->addAction(QString("Multi %1").arg(m));
+    action->setObjectName(QString("InitMlt%1").arg(m));
+    connect(action, &QAction::triggered, this, [this, m] {
+      form_.multis().InitMlt_Click(m);
       handled();
     });
   }
@@ -361,7 +395,13 @@ void MainWindow::buildPool(QWidget* central) {
   // Keys move the selection; the mouse belongs to the drag.
   connect(lbxLyrPool_, &QListWidget::currentRowChanged, this, [&pool](int row) { pool.LbxLyrPool.index = row; });
   new DragSource(lbxLyrPool_, lbxLyrPool_->viewport(),
-                 {{},
+                 {[this, &pool](QPoint pos) {
+                    // The entry under the pointer is the one a drag takes along.
+                    if (QListWidgetItem* item = lbxLyrPool_->itemAt(pos)) {
+                      pool.LbxLyrPool.index = lbxLyrPool_->row(item);
+                      renderListBox(lbxLyrPool_, pool.LbxLyrPool);
+                    }
+                  },
                   [this, &pool](QPoint pos) {
                     // A plain click: the entry under the pointer becomes the selected one.
                     if (QListWidgetItem* item = lbxLyrPool_->itemAt(pos)) pool.LbxLyrPool.index = lbxLyrPool_->row(item);
@@ -453,6 +493,7 @@ void MainWindow::render() {
   renderListBox(lbxLyrPool_, pool.LbxLyrPool);
   renderButton(cmdClrLyrPool_, pool.CmdClrLyrPool);
 
+  editTab_->render();
   renderCheck(localOff_, form_.LocalOffChecked);
   renderCheck(arpOff_, form_.ArpOffChecked);
   renderCheck(trnsChnlAssgn_, form_.TrnsChnlAssgnChecked);

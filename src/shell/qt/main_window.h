@@ -1,7 +1,7 @@
 #pragma once
-// The main form CS2x on the screen: the menu bar (File, Retrieve, Midi), the Performance
-// block, the test note with its sliders, the Layer Pool and the twelve Multi rows. Layers,
-// Multis and Pool entries are dragged; every control of the form takes drops.
+// The main form CS2x on the screen: the menu bar (File, Edit, Retrieve, Initialize, Midi), the
+// Performance block, the test note with its sliders, the Layer Pool, the twelve Multi rows and
+// the edit panel. Layers, Multis and Pool entries are dragged; every control takes drops.
 
 #include <QMainWindow>
 #include <array>
@@ -19,6 +19,7 @@ class QWidget;
 
 namespace tessivo::qt {
 
+class EditTab;
 class QtApp;
 
 class MainWindow : public QMainWindow {
@@ -67,6 +68,7 @@ class MainWindow : public QMainWindow {
   QListWidget* lbxLyrPool_ = nullptr;
   QPushButton* cmdClrLyrPool_ = nullptr;
 
+  EditTab* editTab_ = nullptr;
   QAction* localOff_ = nullptr;
   QAction* arpOff_ = nullptr;
   QAction* trnsChnlAssgn_ = nullptr;

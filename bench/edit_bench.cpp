@@ -1,0 +1,218 @@
+// How quickly an edit reaches the instrument. First, a slider release against the unpaced
+// virtual CS2x: the time from MouseUp to the message entering the output port, and until the
+// next release can be taken, beside a send that pauses 50 ms after each message. Second,
+// Initialise All against the CS2x paced at 320 µs a byte: total time against the wire time.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "data/images.h"
+#include "data/multi_template.h"
+#include "edit/edit_panel.h"
+#include "edit/slider_map.h"
+#include "instrument/virtual_cs2x.h"
+#include "link/midi_link.h"
+#include "link/numtext.h"
+#include "link/port_service.h"
+#include "pool/layer_pool.h"
+#include "pool/multis.h"
+
+using namespace tessivo;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+class QuietScreen : public Screen {
+ public:
+  int boxes = 0;
+  MsgAnswer messageBox(const std::string&, const std::string&, MsgButtons, MsgIcon) override {
+    ++boxes;
+    return MsgAnswer::Ok;
+  }
+  void createForm(FormId) override {}
+  void showForm(FormId) override {}
+  void hideForm(FormId) override {}
+  void unloadForm(FormId) override {}
+  void setBusy(bool) override {}
+  void startTimer(int) override {}
+  bool showOpen(FileDialog&) override { return false; }
+};
+
+// What reached the output port: when the latest message entered it, how many and how long.
+// Only the bench's own thread sends (no thru path is connected).
+struct Stamps {
+  Clock::time_point lastSend{};
+  long messages = 0, bytes = 0;
+};
+
+class StampedOut : public OutPort {
+ public:
+  StampedOut(std::unique_ptr<OutPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
+  bool send(std::span<const std::uint8_t> m) override {
+    stamps_.lastSend = Clock::now();
+    ++stamps_.messages;
+    stamps_.bytes += static_cast<long>(m.size());
+    return inner_->send(m);
+  }
+  std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
+
+ private:
+  std::unique_ptr<OutPort> inner_;
+  Stamps& stamps_;
+};
+
+class StampedProvider : public PortProvider {
+ public:
+  StampedProvider(PortProvider& inner, Stamps& stamps) : inner_(inner), stamps_(stamps) {}
+  std::vector<std::string> inputNames() override { return inner_.inputNames(); }
+  std::vector<std::string> outputNames() override { return inner_.outputNames(); }
+  std::unique_ptr<InPort> openInput(std::size_t i, MMRESULT& e) override { return inner_.openInput(i, e); }
+  std::unique_ptr<OutPort> openOutput(std::size_t i, MMRESULT& e) override {
+    auto p = inner_.openOutput(i, e);
+    return p ? std::make_unique<StampedOut>(std::move(p), stamps_) : nullptr;
+  }
+
+ private:
+  PortProvider& inner_;
+  Stamps& stamps_;
+};
+
+// The program's pieces as the main form puts them together, on the built-in instrument.
+struct Rig {
+  explicit Rig(bool paced)
+      : cs2x({.silent = false, .replyLatency = std::chrono::microseconds(0), .paced = paced}),
+        builtIn(cs2x),
+        provider(builtIn, stamps),
+        midi({&provider}),
+        link(midi, screen),
+        edit(link, images, [this](int multi) -> ButtonCtl& { return buttons[static_cast<std::size_t>(multi - kFirstMulti)]; }),
+        pool(link, images, tmpl, {}),
+        multis(link, images, pool, edit) {
+    link.attachImages(&images);
+    link.setLengthTables();
+    midi.midiOutOpen(link.MidiOutHnd, 0);
+  }
+  ~Rig() { midi.midiOutClose(link.MidiOutHnd); }
+
+  VirtualCs2x cs2x;
+  VirtualCs2xProvider builtIn;
+  Stamps stamps;
+  StampedProvider provider;
+  PortMidiService midi;
+  QuietScreen screen;
+  MidiLink link;
+  Images images;
+  std::array<ButtonCtl, kMultiRows> buttons;
+  LyrTemplate tmpl;
+  EditPanel edit;
+  LayerPool pool;
+  Multis multis;
+};
+
+double us(Clock::duration d) { return std::chrono::duration<double, std::micro>(d).count(); }
+
+double percentile(std::vector<double> v, double p) {
+  std::sort(v.begin(), v.end());
+  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
+}
+
+double median(std::vector<double> v) { return percentile(std::move(v), 0.5); }
+
+struct Releases {
+  std::vector<double> toPort, toNext;  // µs from MouseUp
+  long missing = 0;                    // releases whose message never reached the port
+};
+
+// `count` releases over all 35 sliders, each with a value of its own range; `pause` after each
+// send, as an editor that paces its messages by a fixed wait would.
+Releases release(Rig& rig, int count, std::chrono::milliseconds pause) {
+  Releases r;
+  for (int i = 0; i < count; ++i) {
+    const auto row = static_cast<std::size_t>(i) % kSliderRows;
+    SliderCtl& s = rig.edit.sliders[row];
+    s.value = s.min + (i * 7) % (s.max - s.min + 1);
+    const long before = rig.stamps.messages;
+    const auto t0 = Clock::now();
+    rig.edit.MouseUp(row);
+    if (pause.count() > 0) std::this_thread::sleep_for(pause);
+    const auto t1 = Clock::now();
+    if (rig.stamps.messages != before + 1) {
+      ++r.missing;
+      continue;
+    }
+    r.toPort.push_back(us(rig.stamps.lastSend - t0));
+    r.toNext.push_back(us(t1 - t0));
+  }
+  return r;
+}
+
+void printReleases(const char* name, const Releases& r) {
+  std::printf("%-34s %6zu %9.1f %9.1f %9.1f   %9.1f %9.1f %9.1f\n", name, r.toPort.size(), median(r.toPort),
+              percentile(r.toPort, 0.99), *std::max_element(r.toPort.begin(), r.toPort.end()), median(r.toNext),
+              percentile(r.toNext, 0.99), *std::max_element(r.toNext.begin(), r.toNext.end()));
+  if (r.missing) std::printf("  (%ld releases sent nothing or more than one message)\n", r.missing);
+}
+
+void sliderReleases(int count) {
+  Rig rig(false);
+  rig.edit.EditMult_Click(7);
+  release(rig, 200, std::chrono::milliseconds(0));  // warm-up, not counted
+  const Releases now = release(rig, count, std::chrono::milliseconds(0));
+  const Releases paused = release(rig, 40, std::chrono::milliseconds(50));
+  std::printf("Slider release -> message entering the output port (virtual CS2x, not paced), M7 open\n");
+  std::printf("%-34s %6s %29s   %29s\n", "", "n", "to the port (us)", "until the next release (us)");
+  std::printf("%-34s %6s %9s %9s %9s   %9s %9s %9s\n", "", "", "median", "p99", "max", "median", "p99", "max");
+  printReleases("sent at once", now);
+  printReleases("50 ms pause after each message", paused);
+  if (rig.screen.boxes) std::printf("  (%d message boxes: something failed)\n", rig.screen.boxes);
+}
+
+void initialiseAll(int runs) {
+  Rig rig(true);
+  // The channel lists as at start-up, each part already on its own channel: InitMlt finds
+  // nothing to change, so no channel message goes out. The edit panel stays closed.
+  rig.link.LoadingFlag = -1;
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    ListCtl& list = rig.multis.row(m).CmbMult;
+    for (int ch = 1; ch <= 16; ++ch) list.addItem(signedText(ch));
+    list.setIndex(m - 1);
+  }
+  rig.link.LoadingFlag = 0;
+
+  std::printf("\nInitialise All (12 parts x 5 XG bulk dumps) against the virtual CS2x paced at 320 us a byte\n");
+  std::printf("%-10s %8s %8s %11s %11s %8s %14s %16s\n", "", "messages", "bytes", "total ms", "wire ms", "ratio",
+              "added/msg us", "50 ms pause: ms");
+  std::vector<double> totals, wires, ratios;
+  for (int run = 1; run <= runs; ++run) {
+    rig.stamps.messages = rig.stamps.bytes = 0;
+    const auto t0 = Clock::now();
+    rig.multis.InitMltall_Click();
+    const double total = us(Clock::now() - t0) / 1000.0;
+    const double wire = static_cast<double>(rig.stamps.bytes) * static_cast<double>(kWireTimePerByte.count()) / 1000.0;
+    const double paced = wire + static_cast<double>(rig.stamps.messages) * 50.0;
+    const double added = (total - wire) * 1000.0 / static_cast<double>(rig.stamps.messages);
+    std::printf("run %-6d %8ld %8ld %11.2f %11.2f %8.4f %14.1f %16.1f\n", run, rig.stamps.messages, rig.stamps.bytes,
+                total, wire, total / wire, added, paced);
+    totals.push_back(total);
+    wires.push_back(wire);
+    ratios.push_back(total / wire);
+  }
+  std::printf("%-10s %8s %8s %11.2f %11.2f %8.4f   (goal: ratio <= 1.02)\n", "median", "", "", median(totals),
+              median(wires), median(ratios));
+  std::printf("The 50 ms column is computed, not measured: wire time + messages x 50 ms.\n");
+  if (rig.screen.boxes) std::printf("  (%d message boxes: something failed)\n", rig.screen.boxes);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int releases = argc > 1 ? std::max(1, std::atoi(argv[1])) : 5000;
+  sliderReleases(releases);
+  initialiseAll(3);
+  return 0;
+}

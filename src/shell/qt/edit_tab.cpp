@@ -1,0 +1,329 @@
+#include "shell/qt/edit_tab.h"
+
+#include <QCheckBox>
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QTimer>
+
+#include "shell/qt/names.h"
+#include "shell/qt/render.h"
+#include "shell/qt/twips.h"
+
+namespace tessivo::qt {
+
+namespace {
+constexpr const char* kVoiceTip =
+    "If you wish to call up a voice directly, enter new values for msb,lsb, and prg and click change.";
+constexpr const char* kNameTip = "Type to change name of multi.";
+constexpr const char* kDoneTip = "Close Edit panel.";
+constexpr int kHeadingPixels = 13;  // a bold italic heading of about 10 points
+constexpr int kRowHeight = 16;
+
+QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+// Every text a slider's box can show, so the box is wide enough for the widest.
+QStringList textsOf(const SliderRow& row) {
+  QStringList texts;
+  for (int v = row.min; v <= row.max; ++v) texts << QString::fromStdString(familyText(row.family, v));
+  return texts;
+}
+
+// The keys by which a slider moves; their release counts as letting go.
+bool movesSlider(int key) {
+  switch (key) {
+    case Qt::Key_Left: case Qt::Key_Right: case Qt::Key_Up: case Qt::Key_Down:
+    case Qt::Key_PageUp: case Qt::Key_PageDown: case Qt::Key_Home: case Qt::Key_End:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void renderGroup(const std::vector<QRadioButton*>& buttons, const OptionGroupCtl& group) {
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    QSignalBlocker block(buttons[i]);
+    buttons[i]->setAutoExclusive(false);
+    buttons[i]->setChecked(static_cast<int>(i) == group.index());
+    buttons[i]->setAutoExclusive(true);
+  }
+}
+}  // namespace
+
+EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* parent)
+    : QTabWidget(parent), panel_(panel), handled_(std::move(handled)) {
+  uncaptioned(this, "SSTab1");
+
+  // Page 1: EQ, filter, envelope, level, the voice and the name.
+  QWidget* p1 = page("Page 1");
+  auto* g1 = static_cast<QGridLayout*>(p1->layout());
+  heading(g1, "EQ");
+  sliders(g1, 1, 0, 4);
+  heading(g1, "Filter");
+  sliders(g1, 1, 5, 6);
+  heading(g1, "Env");
+  sliders(g1, 1, 7, 9);
+  heading(g1, "Level");
+  sliders(g1, 1, 10, 11);
+  QLabel* voiceHeading = heading(g1, "Voice");
+  auto* voiceLabel = new QLabel(" msb    lsb     prg", p1);
+  voiceLabel->setObjectName("LblVoice");
+  g1->addWidget(voiceLabel, g1->rowCount(), 0, 1, 3);
+  auto* voice = new QHBoxLayout;
+  voice->setSpacing(3);
+  txtMsb_ = voiceBox("TxtMsb");
+  txtLsb_ = voiceBox("TxtLsb");
+  txtPrg_ = voiceBox("TxtPrg");
+  for (QLineEdit* box : {txtMsb_, txtLsb_, txtPrg_}) voice->addWidget(box);
+  cmdVocChng_ = new QPushButton("Change", p1);
+  cmdVocChng_->setObjectName("CmdVocChng");
+  cmdVocChng_->setToolTip(kVoiceTip);
+  voice->addWidget(cmdVocChng_);
+  voice->addStretch();
+  g1->addLayout(voice, g1->rowCount(), 0, 1, 3);
+  voiceHeading->setBuddy(txtMsb_);
+  voiceLabel->setBuddy(txtMsb_);
+  connect(cmdVocChng_, &QPushButton::clicked, this, [this] {
+    panel_.CmdVocChng_Click();
+    handled_();
+  });
+  auto* nameRow = new QHBoxLayout;
+  txtName1_ = new QLineEdit(p1);
+  uncaptioned(txtName1_, "TxtName1");
+  txtName1_->setToolTip(kNameTip);
+  nameRow->addWidget(txtName1_, 1);
+  connect(txtName1_, &QLineEdit::textEdited, this, [this](const QString& text) {
+    panel_.TxtName1.text = text.toStdString();
+    panel_.TxtName1_Change();
+    handled_();
+  });
+  nameRow->addWidget(doneButton("CmdDone1", kDoneTip));
+  g1->addLayout(nameRow, g1->rowCount(), 0, 1, 3);
+  g1->setRowStretch(g1->rowCount(), 1);
+
+  // Page 2: effect sends, LFO, pitch envelope, portamento.
+  QWidget* p2 = page("Page 2");
+  auto* g2 = static_cast<QGridLayout*>(p2->layout());
+  heading(g2, "Effects");
+  sliders(g2, 2, 12, 15);
+  heading(g2, "LFO");
+  sliders(g2, 2, 16, 18);
+  heading(g2, "PEnv");
+  sliderRow(g2, 20);  // attack and initial level stand in the instrument's order
+  sliderRow(g2, 19);
+  sliderRow(g2, 21);
+  sliderRow(g2, 22);
+  QLabel* portamento = heading(g2, "Portamento");
+  chckPort_ = new QCheckBox(qs(panel_.ChckPort.caption), p2);
+  chckPort_->setObjectName("ChckPort");
+  portamento->setBuddy(chckPort_);
+  g2->addWidget(chckPort_, g2->rowCount(), 0, 1, 3);
+  connect(chckPort_, &QCheckBox::clicked, this, [this] {
+    panel_.ChckPort.toggle();
+    handled_();
+  });
+  sliderRow(g2, 23);
+  auto* end2 = new QHBoxLayout;
+  label34_[0] = new QLabel(p2);
+  uncaptioned(label34_[0], "Label34_0");
+  end2->addWidget(label34_[0], 1);
+  end2->addWidget(doneButton("CmdDone2_0"));
+  g2->addLayout(end2, g2->rowCount(), 0, 1, 3);
+  g2->setRowStretch(g2->rowCount(), 1);
+
+  // Page 3: velocity, note, detune and the three option groups.
+  QWidget* p3 = page("Page 3");
+  auto* g3 = static_cast<QGridLayout*>(p3->layout());
+  heading(g3, "Velocity");
+  sliders(g3, 3, 24, 27);
+  heading(g3, "Note");
+  sliders(g3, 3, 28, 30);
+  heading(g3, "Detune");
+  sliders(g3, 3, 31, 31);
+  options(g3, "FrmPartMode", panel_.Option3, option3_, 4);
+  options(g3, "FrmMonoPoly", panel_.Option2, option2_, 2);
+  options(g3, "FrmSameNote", panel_.Option1, option1_, 3);
+  auto* end3 = new QHBoxLayout;
+  label34_[1] = new QLabel(p3);
+  uncaptioned(label34_[1], "Label34_1");
+  end3->addWidget(label34_[1], 1);
+  end3->addWidget(doneButton("CmdDone2_1"));
+  g3->addLayout(end3, g3->rowCount(), 0, 1, 3);
+  g3->setRowStretch(g3->rowCount(), 1);
+
+  // The panel's place on the form; where a page needs more room in a Linux desktop's fonts,
+  // the panel grows to the right and down just enough.
+  place(this, 8040, 1095, 3015, 6615);
+  const QSize need = minimumSizeHint();
+  resize(std::max(width(), need.width()), std::max(height(), need.height()));
+  render();
+}
+
+QWidget* EditTab::page(const char* name) {
+  auto* p = new QWidget(this);
+  p->setObjectName(QString(name).remove(' '));
+  auto* grid = new QGridLayout(p);
+  grid->setContentsMargins(4, 2, 4, 2);
+  grid->setHorizontalSpacing(3);
+  grid->setVerticalSpacing(1);
+  grid->setColumnStretch(1, 1);
+  addTab(p, name);
+  return p;
+}
+
+QLabel* EditTab::heading(QGridLayout* grid, const char* text) {
+  auto* l = new QLabel(text, grid->parentWidget());
+  l->setObjectName(QString("LblHd") + text);
+  QFont f = l->font();
+  f.setBold(true);
+  f.setItalic(true);
+  f.setPixelSize(kHeadingPixels);
+  l->setFont(f);
+  grid->addWidget(l, grid->rowCount(), 0, 1, 3);
+  return l;
+}
+
+void EditTab::sliders(QGridLayout* grid, int, std::size_t first, std::size_t last) {
+  for (std::size_t row = first; row <= last; ++row) sliderRow(grid, row);
+}
+
+void EditTab::sliderRow(QGridLayout* grid, std::size_t row) {
+  const SliderRow& r = kSliderMap[row];
+  QWidget* parent = grid->parentWidget();
+  auto* caption = new QLabel(qs(r.caption), parent);
+  caption->setObjectName(QString("Labelx1_%1").arg(row));
+  auto* slider = new QSlider(Qt::Horizontal, parent);
+  uncaptioned(slider, qs(r.control));
+  slider->setFixedHeight(kRowHeight);
+  slider->setMinimumWidth(60);
+  slider->setPageStep(r.max - r.min > 40 ? 8 : 2);
+  caption->setBuddy(slider);
+  auto* text = new QLineEdit(parent);
+  uncaptioned(text, qs(r.textBox));
+  text->setReadOnly(true);
+  text->setFocusPolicy(Qt::NoFocus);  // they only show
+  text->setFixedHeight(kRowHeight + 2);
+  int widest = 0;
+  for (const QString& t : textsOf(r)) widest = std::max(widest, editWidthFor(text, t));
+  text->setFixedWidth(widest);
+  const int at = grid->rowCount();
+  grid->addWidget(caption, at, 0);
+  grid->addWidget(slider, at, 1);
+  grid->addWidget(text, at, 2);
+  sliders_[row] = slider;
+  texts_[row] = text;
+  if (row == 15) varSendLabel_ = caption;
+  slider->installEventFilter(this);
+  connect(slider, &QSlider::valueChanged, this, [this, row](int value) {
+    panel_.sliders[row].value = value;
+    panel_.Scroll(row);
+    handled_();
+  });
+}
+
+QLineEdit* EditTab::voiceBox(const char* name) {
+  auto* box = new QLineEdit(widget(0));
+  uncaptioned(box, name);
+  box->setToolTip(kVoiceTip);
+  box->setFixedWidth(editWidthFor(box, "1288"));
+  TextCtl& ctl = name == QString("TxtMsb") ? panel_.TxtMsb : name == QString("TxtLsb") ? panel_.TxtLsb : panel_.TxtPrg;
+  connect(box, &QLineEdit::textEdited, this, [&ctl](const QString& text) { ctl.text = text.toStdString(); });
+  return box;
+}
+
+QGroupBox* EditTab::options(QGridLayout* grid, const char* name, OptionGroupCtl& group,
+                            std::vector<QRadioButton*>& buttons, int columns) {
+  auto* frame = new QGroupBox(qs(group.frame), grid->parentWidget());
+  frame->setObjectName(name);
+  auto* layout = new QGridLayout(frame);
+  layout->setContentsMargins(4, 0, 4, 0);
+  layout->setVerticalSpacing(0);
+  const QString base = group.frame == "Same Note No. Key On Assign" ? "Option1"
+                       : group.frame == "Mono/Poly Mode"            ? "Option2"
+                                                                    : "Option3";
+  for (std::size_t i = 0; i < group.captions.size(); ++i) {
+    auto* b = new QRadioButton(qs(group.captions[i]), frame);
+    b->setObjectName(QString("%1_%2").arg(base).arg(i));
+    layout->addWidget(b, static_cast<int>(i) / columns, static_cast<int>(i) % columns);
+    buttons.push_back(b);
+    connect(b, &QRadioButton::clicked, this, [this, &group, i] {
+      group.pick(static_cast<int>(i));
+      handled_();
+    });
+  }
+  grid->addWidget(frame, grid->rowCount(), 0, 1, 3);
+  return frame;
+}
+
+QPushButton* EditTab::doneButton(const char* name, const QString& tip) {
+  auto* b = new QPushButton("Done", this);
+  b->setObjectName(name);
+  if (!tip.isEmpty()) b->setToolTip(tip);
+  connect(b, &QPushButton::clicked, this, [this] {
+    panel_.Done();
+    handled_();
+  });
+  return b;
+}
+
+void EditTab::released(std::size_t row) {
+  panel_.sliders[row].value = sliders_[row]->value();
+  panel_.MouseUp(row);
+  handled_();
+}
+
+bool EditTab::eventFilter(QObject* watched, QEvent* event) {
+  const auto it = std::find(sliders_.begin(), sliders_.end(), watched);
+  if (it == sliders_.end() || !(*it)->isEnabled()) return false;
+  const auto row = static_cast<std::size_t>(it - sliders_.begin());
+  switch (event->type()) {
+    case QEvent::MouseButtonRelease:
+      // A press on the groove or the handle has moved the slider already.
+      released(row);
+      break;
+    case QEvent::KeyRelease: {
+      auto* key = static_cast<QKeyEvent*>(event);
+      if (!key->isAutoRepeat() && movesSlider(key->key())) released(row);
+      break;
+    }
+    case QEvent::Wheel:
+      // The wheel moves the slider once this event has reached it.
+      QTimer::singleShot(0, this, [this, row] { released(row); });
+      break;
+    default:
+      break;
+  }
+  return false;
+}
+
+void EditTab::render() {
+  for (std::size_t row = 0; row < kEditSliders; ++row) {
+    renderSlider(sliders_[row], panel_.sliders[row]);
+    renderText(texts_[row], panel_.texts[row]);
+  }
+  varSendLabel_->setEnabled(panel_.varSendLabelEnabled);
+  renderText(txtMsb_, panel_.TxtMsb);
+  renderText(txtLsb_, panel_.TxtLsb);
+  renderText(txtPrg_, panel_.TxtPrg);
+  renderButton(cmdVocChng_, panel_.CmdVocChng);
+  renderText(txtName1_, panel_.TxtName1);
+  for (std::size_t i = 0; i < label34_.size(); ++i) label34_[i]->setText(shownText(panel_.Label34[i].text));
+  {
+    QSignalBlocker block(chckPort_);
+    chckPort_->setChecked(panel_.ChckPort.value() != 0);
+  }
+  renderGroup(option1_, panel_.Option1);
+  renderGroup(option2_, panel_.Option2);
+  renderGroup(option3_, panel_.Option3);
+  setVisible(panel_.visible);
+}
+
+}  // namespace tessivo::qt
