@@ -334,6 +334,29 @@ int firstShown(QLineEdit* edit) {
   return at.center().x();
 }
 
+// Each page of the edit panel, in front in turn: every caption, heading, box and button whole,
+// every text a slider's box can show, and the panel whole on the form beside the Multi rows.
+TEST_F(Forms, ReadableTheEditPanelShowsEveryTextWholeOnItsPages) {
+  MainWindow* main = startMainForm();
+  ASSERT_NE(main, nullptr);
+  child<QAction>(main, "EditMult5")->trigger();
+  auto* panel = child<QTabWidget>(main, "SSTab1");
+  for (int page = 0; page < panel->count(); ++page) {
+    SCOPED_TRACE(page);
+    panel->setCurrentIndex(page);
+    expectReadable(main);
+  }
+  for (const SliderRow& row : kSliderMap) {
+    if (row.page == 0) continue;  // the effects panel's
+    auto* box = child<QLineEdit>(panel, text(row.textBox));
+    QStringList texts;
+    for (int v = row.min; v <= row.max; ++v) texts << QString::fromStdString(familyText(row.family, v));
+    EXPECT_LE(widest(box, texts), textRoom(box)) << row.textBox;
+  }
+  QWidget* client = child<QWidget>(main, "CS2xClient");
+  EXPECT_TRUE(client->rect().contains(panel->geometry())) << panel->geometry().right() << " " << client->width();
+}
+
 TEST_F(Forms, ReadableEverythingAMusicianReadsShowsWhole) {
   MainWindow* main = startMainForm();
   ASSERT_NE(main, nullptr);

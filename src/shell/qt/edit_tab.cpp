@@ -211,8 +211,13 @@ void EditTab::sliderRow(QGridLayout* grid, std::size_t row) {
   text->setReadOnly(true);
   text->setFocusPolicy(Qt::NoFocus);  // they only show
   text->setFixedHeight(kRowHeight + 2);
-  int widest = 0;
-  for (const QString& t : textsOf(r)) widest = std::max(widest, editWidthFor(text, t));
+  // One width for all boxes, the widest text's, so the column stands straight.
+  static const int widest = [text] {
+    int w = 0;
+    for (const SliderRow& any : kSliderMap)
+      for (const QString& t : textsOf(any)) w = std::max(w, editWidthFor(text, t));
+    return w;
+  }();
   text->setFixedWidth(widest);
   const int at = grid->rowCount();
   grid->addWidget(caption, at, 0);

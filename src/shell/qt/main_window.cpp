@@ -97,6 +97,14 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   buildPool(central);
   buildMultiRows(central);
   editTab_ = new EditTab(form_.edit(), [this] { handled(); }, central);
+  // The panel stands right of the Multi rows, whose lists and caption a wide font widens; the
+  // form grows to the right just as far as the panel then reaches.
+  int rowsRight = central->findChild<QLabel*>("Labelx1_54")->geometry().right();
+  for (QComboBox* list : cmbMult_) rowsRight = std::max(rowsRight, list->geometry().right());
+  if (editTab_->x() <= rowsRight + kGap) editTab_->move(rowsRight + 1 + kGap, editTab_->y());
+  constexpr int kRightMargin = px(11085 - 8040 - 3015);
+  central->setFixedSize(std::max(central->width(), editTab_->geometry().right() + 1 + kRightMargin),
+                        std::max(central->height(), editTab_->geometry().bottom() + 1));
   acceptDrops();
   render();
 }
