@@ -208,8 +208,15 @@ bool PortMidiService::sendLocked(Output& out, std::span<const std::uint8_t> mess
   if (!out.port->send(message)) return false;
   // A port with a wire time (the paced instrument) holds the sender until the bytes are out,
   // as a driver does whose long message returns when it has been sent.
+  // The last stretch is waited out awake: a sleeping thread wakes a tenth of a millisecond or
+  // more late, which over a long series of messages would count as wire time.
   const auto wire = out.port->wireTime(message.size());
-  if (wire.count() > 0) std::this_thread::sleep_for(wire);
+  if (wire.count() > 0) {
+    constexpr std::chrono::microseconds kAwake{300};
+    const auto done = std::chrono::steady_clock::now() + wire;
+    if (wire > kAwake) std::this_thread::sleep_until(done - kAwake);
+    while (std::chrono::steady_clock::now() < done) std::this_thread::yield();
+  }
   return true;
 }
 
