@@ -19,68 +19,14 @@
 #include "link/midi_link.h"
 #include "link/numtext.h"
 #include "link/port_service.h"
+#include "stamped_ports.h"
 #include "pool/layer_pool.h"
 #include "pool/multis.h"
 
 using namespace tessivo;
-using Clock = std::chrono::steady_clock;
+using namespace tessivo::bench;
 
 namespace {
-
-class QuietScreen : public Screen {
- public:
-  int boxes = 0;
-  MsgAnswer messageBox(const std::string&, const std::string&, MsgButtons, MsgIcon) override {
-    ++boxes;
-    return MsgAnswer::Ok;
-  }
-  void createForm(FormId) override {}
-  void showForm(FormId) override {}
-  void hideForm(FormId) override {}
-  void unloadForm(FormId) override {}
-  void setBusy(bool) override {}
-  void startTimer(int) override {}
-  bool showOpen(FileDialog&) override { return false; }
-};
-
-// What reached the output port: when the latest message entered it, how many and how long.
-// Only the bench's own thread sends (no thru path is connected).
-struct Stamps {
-  Clock::time_point lastSend{};
-  long messages = 0, bytes = 0;
-};
-
-class StampedOut : public OutPort {
- public:
-  StampedOut(std::unique_ptr<OutPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
-  bool send(std::span<const std::uint8_t> m) override {
-    stamps_.lastSend = Clock::now();
-    ++stamps_.messages;
-    stamps_.bytes += static_cast<long>(m.size());
-    return inner_->send(m);
-  }
-  std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
-
- private:
-  std::unique_ptr<OutPort> inner_;
-  Stamps& stamps_;
-};
-
-class StampedProvider : public PortProvider {
- public:
-  StampedProvider(PortProvider& inner, Stamps& stamps) : inner_(inner), stamps_(stamps) {}
-  std::vector<std::string> inputNames() override { return inner_.inputNames(); }
-  std::vector<std::string> outputNames() override { return inner_.outputNames(); }
-  std::unique_ptr<InPort> openInput(std::size_t i, MMRESULT& e) override { return inner_.openInput(i, e); }
-  std::unique_ptr<OutPort> openOutput(std::size_t i, MMRESULT& e) override {
-    auto p = inner_.openOutput(i, e);
-    return p ? std::make_unique<StampedOut>(std::move(p), stamps_) : nullptr;
-  }
-
- private:
-  PortProvider& inner_;
-  Stamps& stamps_;
-};
 
 // The program's pieces as the main form puts them together, on the built-in instrument.
 struct Rig {
@@ -145,7 +91,7 @@ Releases release(Rig& rig, int count, std::chrono::milliseconds pause) {
       ++r.missing;
       continue;
     }
-    r.toPort.push_back(us(rig.stamps.lastSend - t0));
+    r.toPort.push_back(us(at(rig.stamps.requestOut.load()) - t0));
     r.toNext.push_back(us(t1 - t0));
   }
   return r;
@@ -189,14 +135,15 @@ void initialiseAll(int runs) {
               "added/msg us", "50 ms pause: ms");
   std::vector<double> totals, wires, ratios;
   for (int run = 1; run <= runs; ++run) {
-    rig.stamps.messages = rig.stamps.bytes = 0;
+    rig.stamps.messages = 0;
+    rig.stamps.bytes = 0;
     const auto t0 = Clock::now();
     rig.multis.InitMltall_Click();
     const double total = us(Clock::now() - t0) / 1000.0;
     const double wire = static_cast<double>(rig.stamps.bytes) * static_cast<double>(kWireTimePerByte.count()) / 1000.0;
     const double paced = wire + static_cast<double>(rig.stamps.messages) * 50.0;
     const double added = (total - wire) * 1000.0 / static_cast<double>(rig.stamps.messages);
-    std::printf("run %-6d %8ld %8ld %11.2f %11.2f %8.4f %14.1f %16.1f\n", run, rig.stamps.messages, rig.stamps.bytes,
+    std::printf("run %-6d %8ld %8ld %11.2f %11.2f %8.4f %14.1f %16.1f\n", run, rig.stamps.messages.load(), rig.stamps.bytes.load(),
                 total, wire, total / wire, added, paced);
     totals.push_back(total);
     wires.push_back(wire);

@@ -16,83 +16,13 @@
 #include "instrument/virtual_cs2x.h"
 #include "link/midi_link.h"
 #include "link/port_service.h"
+#include "stamped_ports.h"
 #include "perform/performance.h"
 
 using namespace tessivo;
-using Clock = std::chrono::steady_clock;
+using namespace tessivo::bench;
 
 namespace {
-
-class QuietScreen : public Screen {
- public:
-  int boxes = 0;
-  MsgAnswer messageBox(const std::string&, const std::string&, MsgButtons, MsgIcon) override {
-    ++boxes;
-    return MsgAnswer::Ok;
-  }
-  void createForm(FormId) override {}
-  void showForm(FormId) override {}
-  void hideForm(FormId) override {}
-  void unloadForm(FormId) override {}
-  void setBusy(bool) override {}
-  void startTimer(int) override {}
-  bool showOpen(FileDialog&) override { return false; }
-};
-
-// Ports that note when a request goes out and when a reply comes in.
-struct Stamps {
-  std::atomic<Clock::rep> requestOut{0}, replyIn{0};
-};
-
-class StampedIn : public InPort {
- public:
-  StampedIn(std::unique_ptr<InPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
-  void setSink(Sink sink) override {
-    if (!sink) return inner_->setSink(nullptr);
-    inner_->setSink([this, sink](std::span<const std::uint8_t> m) {
-      stamps_.replyIn = Clock::now().time_since_epoch().count();
-      sink(m);
-    });
-  }
-  void stateChanged(bool started, bool thru) override { inner_->stateChanged(started, thru); }
-
- private:
-  std::unique_ptr<InPort> inner_;
-  Stamps& stamps_;
-};
-
-class StampedOut : public OutPort {
- public:
-  StampedOut(std::unique_ptr<OutPort> inner, Stamps& stamps) : inner_(std::move(inner)), stamps_(stamps) {}
-  bool send(std::span<const std::uint8_t> m) override {
-    stamps_.requestOut = Clock::now().time_since_epoch().count();
-    return inner_->send(m);
-  }
-  std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
-
- private:
-  std::unique_ptr<OutPort> inner_;
-  Stamps& stamps_;
-};
-
-class StampedProvider : public PortProvider {
- public:
-  StampedProvider(PortProvider& inner, Stamps& stamps) : inner_(inner), stamps_(stamps) {}
-  std::vector<std::string> inputNames() override { return inner_.inputNames(); }
-  std::vector<std::string> outputNames() override { return inner_.outputNames(); }
-  std::unique_ptr<InPort> openInput(std::size_t i, MMRESULT& e) override {
-    auto p = inner_.openInput(i, e);
-    return p ? std::make_unique<StampedIn>(std::move(p), stamps_) : nullptr;
-  }
-  std::unique_ptr<OutPort> openOutput(std::size_t i, MMRESULT& e) override {
-    auto p = inner_.openOutput(i, e);
-    return p ? std::make_unique<StampedOut>(std::move(p), stamps_) : nullptr;
-  }
-
- private:
-  PortProvider& inner_;
-  Stamps& stamps_;
-};
 
 struct Result {
   std::vector<double> overheadUs;  // per block
@@ -119,7 +49,6 @@ Result run(std::chrono::microseconds latency, bool polling, int rounds) {
   link.LoadingFlag = -1;  // as during the start: no thru between blocks
 
   Result result;
-  const auto at = [](Clock::rep ticks) { return Clock::time_point(Clock::duration(ticks)); };
   for (int round = 0; round < rounds; ++round) {
     for (int pass = 0; pass < 2; ++pass) {  // a start reads the Performance twice
       for (const PerfBlock& block : kPerfBlocks) {

@@ -1,9 +1,9 @@
 #include "edit/edit_panel.h"
 
 #include <cmath>
-#include <cstdlib>
 
 #include "data/multi_template.h"
+#include "link/numtext.h"
 
 namespace tessivo {
 
@@ -58,13 +58,9 @@ std::string nameOfTen(const std::string& text) {
 std::string multiSuffix(int multi) { return " M" + std::to_string(multi); }
 
 std::optional<std::uint8_t> voiceByte(const std::string& text) {
-  const char* begin = text.c_str();
-  char* end = nullptr;
-  const double value = std::strtod(begin, &end);
-  if (end == begin) return std::nullopt;
-  while (*end == ' ') ++end;
-  if (*end != '\0' || !std::isfinite(value)) return std::nullopt;
-  const double whole = std::floor(value);  // 12.9 passes as 12, -0.5 fails as -1
+  const auto value = decimalNumber(text);
+  if (!value) return std::nullopt;
+  const double whole = std::floor(*value);  // 12.9 passes as 12, -0.5 fails as -1
   if (whole < 0 || whole > 127) return std::nullopt;
   return static_cast<std::uint8_t>(whole);
 }

@@ -5,6 +5,7 @@
 
 #include "data/multi_template.h"
 #include "data/tables.h"
+#include "link/numtext.h"
 
 namespace tessivo {
 
@@ -17,13 +18,9 @@ std::uint8_t listByte(const ListCtl& list) { return static_cast<std::uint8_t>(st
 }  // namespace
 
 std::optional<std::uint8_t> fieldByte(const std::string& text) {
-  const char* begin = text.c_str();
-  char* end = nullptr;
-  const double value = std::strtod(begin, &end);
-  if (end == begin) return std::nullopt;
-  while (*end == ' ') ++end;
-  if (*end != '\0' || !std::isfinite(value)) return std::nullopt;
-  const double whole = std::trunc(value);
+  const auto value = decimalNumber(text);
+  if (!value) return std::nullopt;
+  const double whole = std::trunc(*value);
   if (whole < 0 || whole > 255) return std::nullopt;
   return static_cast<std::uint8_t>(whole);
 }

@@ -198,7 +198,9 @@ TEST_F(Editing, TheNameIsTheFirstTenCharactersOfTheBoxBeforeThePartsSuffix) {
   form->edit().EdtPart = 0;
   typed("Nobody");
   for (int m = kFirstMulti; m <= kLastMulti; ++m)
-    if (m != 10) EXPECT_EQ(form->row(m).CmdMult.caption, "Multi Part M" + std::to_string(m)) << m;
+    if (m != 10) {
+      EXPECT_EQ(form->row(m).CmdMult.caption, "Multi Part M" + std::to_string(m)) << m;
+    }
 }
 
 }  // namespace tessivo

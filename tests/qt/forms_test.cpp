@@ -141,9 +141,10 @@ void expectFound(QWidget* window, const Expected& byName, const std::vector<std:
     if (panel != nullptr && panel->isAncestorOf(w)) continue;
     const bool control = w->window() == window && (w->parentWidget() == window || w->parentWidget()->objectName() == "CS2xClient" ||
                                                    qobject_cast<QGroupBox*>(w->parentWidget()) || w->parentWidget()->objectName() == "Frame1");
-    if (control && !qobject_cast<QMenuBar*>(w) && w->objectName() != "CS2xClient")
+    if (control && !qobject_cast<QMenuBar*>(w) && w->objectName() != "CS2xClient") {
       EXPECT_TRUE(all.contains(w->objectName()) || qobject_cast<QLabel*>(w) || w->objectName().startsWith("CmbMult"))
           << "not found from outside: " << w->metaObject()->className() << " " << w->objectName().toStdString();
+    }
   }
 }
 
@@ -170,8 +171,9 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
   // Menu entries by their captions within their menus ("Multi 5" stands under Edit, Retrieve
   // and Initialize alike).
   for (QAction* action : main->findChildren<QAction*>())
-    if (auto* menu = qobject_cast<QMenu*>(action->parent()); menu && !action->objectName().isEmpty())
+    if (auto* menu = qobject_cast<QMenu*>(action->parent()); menu && !action->objectName().isEmpty()) {
       EXPECT_EQ(found(menu, R::MenuItem, action->text()), action->objectName()) << action->text().toStdString();
+    }
 
   Expected prefControls = {{R::CheckBox, "ChkLdFile", "ChkLdFile"}, {R::PushButton, "Browse", "CmdBrowse"},
                            {R::EditableText, "TxtLdFile", "TxtLdFile"}, {R::Slider, "Slider1", "Slider1"},
@@ -308,14 +310,20 @@ void expectReadable(QWidget* form) {
   for (QWidget* w : form->findChildren<QWidget*>()) {
     if (w->window() != form || !w->isVisible() || w->objectName().isEmpty() || w->objectName().startsWith("qt_")) continue;
     const std::string name = w->objectName().toStdString();
-    if (auto* label = qobject_cast<QLabel*>(w); label && label->pixmap().isNull())
+    if (auto* label = qobject_cast<QLabel*>(w); label && label->pixmap().isNull()) {
       EXPECT_TRUE(label->wordWrap() ? label->heightForWidth(label->width()) <= label->height()
                                     : label->sizeHint().width() <= label->width())
           << name;
-    if (auto* box = qobject_cast<QComboBox*>(w)) EXPECT_LE(widest(box, items(box)), textRoom(box)) << name;
-    if (auto* edit = qobject_cast<QLineEdit*>(w)) EXPECT_LE(widest(edit, {edit->text()}), textRoom(edit)) << name;
-    if (auto* button = qobject_cast<QAbstractButton*>(w); button && !button->text().isEmpty())
+    }
+    if (auto* box = qobject_cast<QComboBox*>(w)) {
+      EXPECT_LE(widest(box, items(box)), textRoom(box)) << name;
+    }
+    if (auto* edit = qobject_cast<QLineEdit*>(w)) {
+      EXPECT_LE(widest(edit, {edit->text()}), textRoom(edit)) << name;
+    }
+    if (auto* button = qobject_cast<QAbstractButton*>(w); button && !button->text().isEmpty()) {
       EXPECT_LE(widest(button, {button->text()}), textRoom(button)) << name;
+    }
     if ((w->parentWidget() == form && w->objectName() != "CS2xClient") || w->parentWidget()->objectName() == "CS2xClient") controls << w;
   }
   for (QWidget* a : controls)

@@ -131,13 +131,7 @@ EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* paren
     handled_();
   });
   sliderRow(g2, 23);
-  auto* end2 = new QHBoxLayout;
-  label34_[0] = new QLabel(p2);
-  uncaptioned(label34_[0], "Label34_0");
-  end2->addWidget(label34_[0], 1);
-  end2->addWidget(doneButton("CmdDone2_0"));
-  g2->addLayout(end2, g2->rowCount(), 0, 1, 3);
-  g2->setRowStretch(g2->rowCount(), 1);
+  nameAndDone(g2, 0, "CmdDone2_0");
 
   // Page 3: velocity, note, detune and the three option groups.
   QWidget* p3 = page("Page 3");
@@ -151,13 +145,7 @@ EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* paren
   options(g3, "FrmPartMode", panel_.Option3, option3_, 4);
   options(g3, "FrmMonoPoly", panel_.Option2, option2_, 2);
   options(g3, "FrmSameNote", panel_.Option1, option1_, 3);
-  auto* end3 = new QHBoxLayout;
-  label34_[1] = new QLabel(p3);
-  uncaptioned(label34_[1], "Label34_1");
-  end3->addWidget(label34_[1], 1);
-  end3->addWidget(doneButton("CmdDone2_1"));
-  g3->addLayout(end3, g3->rowCount(), 0, 1, 3);
-  g3->setRowStretch(g3->rowCount(), 1);
+  nameAndDone(g3, 1, "CmdDone2_1");
 
   // The panel's place on the form; where a page needs more room in a Linux desktop's fonts,
   // the panel grows to the right and down just enough.
@@ -165,6 +153,16 @@ EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* paren
   const QSize need = minimumSizeHint();
   resize(std::max(width(), need.width()), std::max(height(), need.height()));
   render();
+}
+
+void EditTab::nameAndDone(QGridLayout* grid, std::size_t label, const char* done) {
+  auto* row = new QHBoxLayout;
+  label34_[label] = new QLabel(grid->parentWidget());
+  uncaptioned(label34_[label], QString("Label34_%1").arg(label));
+  row->addWidget(label34_[label], 1);
+  row->addWidget(doneButton(done));
+  grid->addLayout(row, grid->rowCount(), 0, 1, 3);
+  grid->setRowStretch(grid->rowCount(), 1);
 }
 
 QWidget* EditTab::page(const char* name) {

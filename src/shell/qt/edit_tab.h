@@ -38,6 +38,8 @@ class EditTab : public QTabWidget {
   QLineEdit* voiceBox(const char* name);
   QGroupBox* options(QGridLayout* grid, const char* name, OptionGroupCtl& group, std::vector<QRadioButton*>& buttons,
                      int columns);
+  // Label34(label), the part's caption, and a Done button at the foot of a page.
+  void nameAndDone(QGridLayout* grid, std::size_t label, const char* done);
   QPushButton* doneButton(const char* name, const QString& tip = {});
   void released(std::size_t row);
 

@@ -162,6 +162,17 @@ QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, v
   return action;
 }
 
+void MainWindow::addMultiEntries(QMenu* menu, const char* prefix, const std::function<void(int multi)>& handler) {
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+    QAction* action = menu->addAction(QString("Multi %1").arg(m));
+    action->setObjectName(QString("%1%2").arg(prefix).arg(m));
+    connect(action, &QAction::triggered, this, [this, m, handler] {
+      handler(m);
+      handled();
+    });
+  }
+}
+
 void MainWindow::buildMenus() {
   QMenu* file = menuBar()->addMenu("File");
   file->setObjectName("FileMenu");
@@ -182,14 +193,7 @@ void MainWindow::buildMenus() {
   edit->setObjectName("EditMenu");
   QMenu* editMulti = edit->addMenu("Multi");
   editMulti->setObjectName("EditMulti");
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
-    QAction* action = editMulti->addAction(QString("Multi %1").arg(m));
-    action->setObjectName(QString("EditMult%1").arg(m));
-    connect(action, &QAction::triggered, this, [this, m] {
-      form_.edit().EditMult_Click(m);
-      handled();
-    });
-  }
+  addMultiEntries(editMulti, "EditMult", [this](int m) { form_.edit().EditMult_Click(m); });
 
   QMenu* retrieve = menuBar()->addMenu("Retrieve");
   retrieve->setObjectName("Retrv");
@@ -197,14 +201,7 @@ void MainWindow::buildMenus() {
   addEntry(retrieve, "RtrvAllMulti", "All Multis", &MainForm::RtrvAllMulti_Click);
   QMenu* multi = retrieve->addMenu("Multi");
   multi->setObjectName("RtrvMult");
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
-    QAction* action = multi->addAction(QString("Multi %1").arg(m));
-    action->setObjectName(QString("RtrvMulti%1").arg(m));
-    connect(action, &QAction::triggered, this, [this, m] {
-      form_.RtrvMulti_Click(m);
-      handled();
-    });
-  }
+  addMultiEntries(multi, "RtrvMulti", [this](int m) { form_.RtrvMulti_Click(m); });
 
   QMenu* init = menuBar()->addMenu("Initialize");
   init->setObjectName("Init");
@@ -216,14 +213,7 @@ void MainWindow::buildMenus() {
   });
   QMenu* initMulti = init->addMenu("Multi");
   initMulti->setObjectName("Mlt");
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
-    QAction* action = initMulti->addAction(QString("Multi %1").arg(m));
-    action->setObjectName(QString("InitMlt%1").arg(m));
-    connect(action, &QAction::triggered, this, [this, m] {
-      form_.multis().InitMlt_Click(m);
-      handled();
-    });
-  }
+  addMultiEntries(initMulti, "InitMlt", [this](int m) { form_.multis().InitMlt_Click(m); });
 
   // The check marks belong to the form: a triggered entry's own toggle is overwritten by the
   // render after the handler.

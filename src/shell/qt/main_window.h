@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 #include <array>
+#include <functional>
 
 #include "shell/main_form.h"
 
@@ -45,6 +46,8 @@ class MainWindow : public QMainWindow {
   void handled();
   // A menu entry that runs a handler of the form, then renders.
   QAction* addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)());
+  // The entries "Multi 5" .. "Multi 16" of a sub-menu, named prefix5 .. prefix16.
+  void addMultiEntries(QMenu* menu, const char* prefix, const std::function<void(int multi)>& handler);
   QRadioButton* option(QWidget* frame, const char* name, const char* text, int top,
                        void (Performance::*handler)());
 
