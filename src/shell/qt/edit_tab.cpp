@@ -142,7 +142,7 @@ EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* paren
   sliders(g3, 3, 28, 30);
   heading(g3, "Detune");
   sliders(g3, 3, 31, 31);
-  options(g3, "FrmPartMode", panel_.Option3, option3_, 4);
+  options(g3, "FrmPartMode", panel_.Option3, option3_, 2);
   options(g3, "FrmMonoPoly", panel_.Option2, option2_, 2);
   options(g3, "FrmSameNote", panel_.Option1, option1_, 3);
   nameAndDone(g3, 1, "CmdDone2_1");
