@@ -29,7 +29,7 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
     : link_(link),
       pref_(pref),
       perf_(link, images_.perf, panel,
-            {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return SSTab2Visible; }, {}}),
+            {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return effects_.visible; }, [this] { effects_.EditEffcts_Click(); }}),
       pool_(link, images_, LyrTmpl,
             {[this](int layer) { return panel.TxtLyr[static_cast<std::size_t>(layer - 1)].text; },
              [this](int multi) { return row(multi).CmdMult.caption; }}),
@@ -37,6 +37,7 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
                 {[this] { return std::max(pref_.cmbPerfChnl.index(), 0); }, [this] { return TrnsChnlAssgnChecked; },
                  [this] { return edit_.visible; }, [this](int multi) { edit_.EditMult_Click(multi); }}),
       edit_(link, images_, [this](int multi) -> ButtonCtl& { return row(multi).CmdMult; }),
+      effects_(link, images_.perf, edit_, [this] { AllNtsOffSnd(); }),
       multis_(link, images_, pool_, edit_) {
   CmbMidNtNo.click = [this] { SldNt.value = Audition::sliderPosition(CmbMidNtNo.index()); };
   CmbMidVel.click = [this] { SldVel.value = Audition::sliderPosition(CmbMidVel.index()); };
@@ -68,13 +69,7 @@ void MainForm::fillStartLists() {
 }
 
 void MainForm::FillLists() {
-  auto fill = [](ListCtl& list, std::span<const EffectType> table) {
-    list.clear();
-    for (const EffectType& t : table) list.addItem(std::string(t.name));
-  };
-  fill(CmbRvrb, RvrbTbl);
-  fill(CmbChrs, ChrsTbl);
-  fill(CmbVar, VarTbl);
+  effects_.fillLists();
   panel.CmbPrgm.clear();
   for (std::string_view name : PrfNames1) panel.CmbPrgm.addItem(std::string(name));
 }

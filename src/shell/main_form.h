@@ -13,6 +13,7 @@
 #include "perform/performance.h"
 #include "data/controls.h"
 #include "edit/edit_panel.h"
+#include "edit/effects_panel.h"
 #include "pool/layer_pool.h"
 #include "pool/multis.h"
 #include "shell/pref_form.h"
@@ -36,6 +37,7 @@ class MainForm {
   const MultiRow& row(int multi) const { return multis_.row(multi); }
   Multis& multis() { return multis_; }
   EditPanel& edit() { return edit_; }
+  EffectsPanel& effects() { return effects_; }
   Images& images() { return images_; }
   Performance& performance() { return perf_; }
   LayerPool& pool() { return pool_; }
@@ -83,8 +85,7 @@ class MainForm {
   PerfPanel panel;                // the Performance block
   ListCtl CmbMidNtNo, CmbMidVel;  // the test note and its velocity
   SliderCtl SldNt{60, 0, 127}, SldVel{0, 0, 127};
-  ListCtl CmbRvrb, CmbChrs, CmbVar;  // effect types of the effects panel
-  bool SSTab2Visible = false, List1Visible = true;
+  bool List1Visible = true;
   LyrTemplate LyrTmpl;
 
  private:
@@ -99,6 +100,7 @@ class MainForm {
   LayerPool pool_;
   Audition audition_;
   EditPanel edit_;
+  EffectsPanel effects_;
   Multis multis_;
   bool portsClosed_ = false;
 };

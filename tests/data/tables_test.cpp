@@ -39,12 +39,12 @@ TEST(Tables, TheStartFillsTheEffectAndProgramListsInRowOrderWithEightCharacterNa
   EXPECT_EQ(PrfNames2[127], "Session ");
   test::ScriptedProgram program;
   MainForm& form = program.start();
-  ASSERT_EQ(form.CmbRvrb.items.size(), 13u);
-  ASSERT_EQ(form.CmbChrs.items.size(), 15u);
-  ASSERT_EQ(form.CmbVar.items.size(), 64u);
-  EXPECT_EQ(form.CmbRvrb.items[12], "BASEMENT    ");
-  EXPECT_EQ(form.CmbChrs.items[13], "ENSEMBLE DETUNE ");
-  EXPECT_EQ(form.CmbVar.items[63], std::string("THRU") + std::string(20, ' '));
+  ASSERT_EQ(form.effects().CmbRvrb.items.size(), 13u);
+  ASSERT_EQ(form.effects().CmbChrs.items.size(), 15u);
+  ASSERT_EQ(form.effects().CmbVar.items.size(), 64u);
+  EXPECT_EQ(form.effects().CmbRvrb.items[12], "BASEMENT    ");
+  EXPECT_EQ(form.effects().CmbChrs.items[13], "ENSEMBLE DETUNE ");
+  EXPECT_EQ(form.effects().CmbVar.items[63], std::string("THRU") + std::string(20, ' '));
   ASSERT_EQ(form.panel.CmbPrgm.items.size(), 128u);
   EXPECT_EQ(form.panel.CmbPrgm.items[35], "Insomnia");
   EXPECT_EQ(form.panel.CmbPrgm.index(), 0);
