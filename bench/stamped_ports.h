@@ -27,6 +27,7 @@ class QuietScreen : public Screen {
   void setBusy(bool) override {}
   void startTimer(int) override {}
   bool showOpen(FileDialog&) override { return false; }
+  bool showSave(FileDialog&) override { return false; }
 };
 
 struct Stamps {

@@ -35,6 +35,8 @@ class Screen {
   virtual void setBusy(bool busy) = 0;
   // The open dialog; false when the user cancelled (fileName is then unchanged).
   virtual bool showOpen(FileDialog& dialog) = 0;
+  // The save dialog, alike; with flags 2 it asks before a file is overwritten.
+  virtual bool showSave(FileDialog& dialog) = 0;
   // The one-shot start timer of the main form (interval in milliseconds, 0 stops it).
   virtual void startTimer(int intervalMs) = 0;
 };

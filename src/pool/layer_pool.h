@@ -53,6 +53,9 @@ class LayerPool {
 
   std::array<PoolEntry, kPoolRecords> Pool{};
   std::array<std::int16_t, kPoolRecords> PoolFree{};
+  // What a Pool file holds beside the entries: the slot of each list position, and the count.
+  std::array<std::uint8_t, kPoolRecords> PoolIds{};
+  std::uint8_t PoolCount = 0;
   ListBoxCtl LbxLyrPool;
   ButtonCtl CmdClrLyrPool{"Clear"};
 

@@ -5,6 +5,7 @@
 
 #include "data/multi_template.h"
 #include "data/tables.h"
+#include "files/file_io.h"
 #include "link/numtext.h"
 
 namespace tessivo {
@@ -38,7 +39,9 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
                  [this] { return edit_.visible; }, [this](int multi) { edit_.EditMult_Click(multi); }}),
       edit_(link, images_, [this](int multi) -> ButtonCtl& { return row(multi).CmdMult; }),
       effects_(link, images_.perf, edit_, [this] { AllNtsOffSnd(); }),
-      multis_(link, images_, pool_, edit_) {
+      multis_(link, images_, pool_, edit_),
+      files_({link, images_, pool_, multis_, edit_, effects_, perf_, [this] { return std::max(pref_.cmbPerfChnl.index(), 0); },
+              [this] { return pref_.workspacePath(); }}) {
   CmbMidNtNo.click = [this] { SldNt.value = Audition::sliderPosition(CmbMidNtNo.index()); };
   CmbMidVel.click = [this] { SldVel.value = Audition::sliderPosition(CmbMidVel.index()); };
   link_.attachImages(&images_);
@@ -93,11 +96,25 @@ bool MainForm::openPorts() {
   return true;
 }
 
+bool MainForm::startupWorkspace() {
+  if (pref_.ChkLdFile.value != 1) return false;
+  const auto length = fileLength(pref_.workspacePath());
+  if (!length) return false;  // a path that cannot be opened is passed over in silence
+  if (*length == kWorkspaceBytes) return true;
+  link_.screen().messageBox(kStartupWrongType, kAppTitle, MsgButtons::Ok, MsgIcon::None);
+  return false;
+}
+
 void MainForm::fillMultis() {
-  // Each Multi from the instrument where its box is checked, else with the defaults.
-  for (int m = kFirstMulti; m <= kLastMulti; ++m) {
-    if (pref_.ChkMlt(m).value == 0) multis_.InitMlt(m - 1);
-    else link_.RtrvMlt(static_cast<std::int16_t>(m));
+  // A Workspace chosen in the preferences, else each Multi from the instrument where its box
+  // is checked and with the defaults where not.
+  if (startupWorkspace()) {
+    files_.LdWrkSpaceFile();
+  } else {
+    for (int m = kFirstMulti; m <= kLastMulti; ++m) {
+      if (pref_.ChkMlt(m).value == 0) multis_.InitMlt(m - 1);
+      else link_.RtrvMlt(static_cast<std::int16_t>(m));
+    }
   }
   // The lists show the parts' receive channels, silently while loading. A byte that is no
   // channel (0x10: none) is refused by the list, which keeps its value.

@@ -14,6 +14,7 @@
 #include "data/controls.h"
 #include "edit/edit_panel.h"
 #include "edit/effects_panel.h"
+#include "files/files.h"
 #include "pool/layer_pool.h"
 #include "pool/multis.h"
 #include "shell/pref_form.h"
@@ -28,6 +29,8 @@ class MainForm {
  public:
   static constexpr const char* kCaption = "CS2x Tessivo";
   static constexpr const char* kExitQuestion = "Do you really want to exit program?";
+  static constexpr const char* kStartupWrongType =
+      "Sorry, You have chosen a file of the wrong type to be loaded at startup. The Workspace will be initialized.";
 
   MainForm(MidiLink& link, PrefForm& pref);
   MainForm(const MainForm&) = delete;
@@ -38,6 +41,7 @@ class MainForm {
   Multis& multis() { return multis_; }
   EditPanel& edit() { return edit_; }
   EffectsPanel& effects() { return effects_; }
+  Files& files() { return files_; }
   Images& images() { return images_; }
   Performance& performance() { return perf_; }
   LayerPool& pool() { return pool_; }
@@ -91,6 +95,7 @@ class MainForm {
  private:
   void fillStartLists();
   bool openPorts();
+  bool startupWorkspace();
   void fillMultis();
 
   MidiLink& link_;
@@ -102,6 +107,7 @@ class MainForm {
   EditPanel edit_;
   EffectsPanel effects_;
   Multis multis_;
+  Files files_;
   bool portsClosed_ = false;
 };
 

@@ -72,8 +72,12 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
   };
   EXPECT_EQ(tree(main->menuBar()->actions()),
             QStringList({"FileMenu=File [StrtupPref=Startup Preferences, ExitMenu=Exit]",
-                         "EditMenu=Edit [EditMulti=Multi [" + multis("EditMult") + "]]",
+                         "EditMenu=Edit [EditEffcts=Effects, EditMulti=Multi [" + multis("EditMult") + "]]",
                          "Retrv=Retrieve [RtrvPerf=Performance, RtrvAllMulti=All Multis, RtrvMult=Multi [" + multis("RtrvMulti") + "]]",
+                         "load=Load [LdWrkSpace=Workspace, LdFullSetup=Setup, LdLayerPool=Layer Pool, LdPerform=Performance, "
+                         "LdMultAll=All Multis, Mltsel=Multi [" + multis("LdMult") + "]]",
+                         "Save=Save [SvWrkSpace=Workspace, SvfullSetup=Setup [SvSetuptvf=as .tvf], SvLayerPool=Layer Pool, "
+                         "SvPerform=Performance, SvMultAll=All Multis, Mlts=Multi [" + multis("SvMult") + "]]",
                          "Init=Initialize [InitMltall=All Multis, Mlt=Multi [" + multis("InitMlt") + "]]",
                          "mnuMidi=Midi [AllNtsOff=All Notes Off, LocalOff=Local Off, ArpOff=Arpeggiator Off, "
                          "TrnsChnlAssgn=Trans Chnl Assigned by Audition]"}));
@@ -136,9 +140,11 @@ void expectFound(QWidget* window, const Expected& byName, const std::vector<std:
     EXPECT_EQ(labelled(window, label), control) << label.toStdString();
     all << control;
   }
-  const auto* panel = window->findChild<QWidget*>("SSTab1");  // its own test looks inside
+  // The panels' own test looks inside them.
+  const auto* panel = window->findChild<QWidget*>("SSTab1");
+  const auto* effects = window->findChild<QWidget*>("SSTab2");
   for (QWidget* w : window->findChildren<QWidget*>()) {
-    if (panel != nullptr && panel->isAncestorOf(w)) continue;
+    if ((panel != nullptr && panel->isAncestorOf(w)) || (effects != nullptr && effects->isAncestorOf(w))) continue;
     const bool control = w->window() == window && (w->parentWidget() == window || w->parentWidget()->objectName() == "CS2xClient" ||
                                                    qobject_cast<QGroupBox*>(w->parentWidget()) || w->parentWidget()->objectName() == "Frame1");
     if (control && !qobject_cast<QMenuBar*>(w) && w->objectName() != "CS2xClient") {
@@ -159,7 +165,7 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
                            {R::RadioButton, "Bank1", "OptBank1"},   {R::RadioButton, "Bank2", "OptBank2"},
                            {R::PushButton, text(PrfNames1[0]), "CmdPrfm"}, {R::Slider, "SldNt", "SldNt"},
                            {R::Slider, "SldVel", "SldVel"},         {R::List, "LbxLyrPool", "LbxLyrPool"},
-                           {R::PushButton, "Clear", "CmdClrLyrPool"}, {R::Client, "SSTab1", "SSTab1"}};
+                           {R::PushButton, "Clear", "CmdClrLyrPool"}, {R::Client, "SSTab1", "SSTab1"}, {R::Client, "SSTab2", "SSTab2"}};
   for (int n = 1; n <= 4; ++n) {
     mainControls.emplace_back(R::PushButton, QString("Layer%1").arg(n), QString("CmdLyr%1").arg(n));
     mainControls.emplace_back(R::EditableText, QString("TxtLyr%1").arg(n), QString("TxtLyr%1").arg(n));
@@ -234,6 +240,22 @@ TEST_F(Forms, EveryControlOfTheEditPanelIsFoundFromOutside) {
   for (int i = 0; i < panel->count(); ++i) tabs << panel->tabText(i);
   EXPECT_EQ(tabs, (QStringList{"Page 1", "Page 2", "Page 3"}));
   for (const char* done : {"CmdDone1", "CmdDone2_0", "CmdDone2_1"}) EXPECT_EQ(child<QPushButton>(panel, done)->text(), "Done");
+
+  // The effects panel.
+  child<QAction>(main, "EditEffcts")->trigger();
+  auto* effects = child<QTabWidget>(main, "SSTab2");
+  ASSERT_TRUE(effects->isVisible());
+  const Expected fx = {{R::Slider, "SldEffSndCtoR", "SldEffSndCtoR"}, {R::Slider, "SldEffVarRvbSnd", "SldEffVarRvbSnd"},
+                       {R::Slider, "SldEffVarChrSnd", "SldEffVarChrSnd"}, {R::EditableText, "Text30", "Text30"},
+                       {R::EditableText, "Text31", "Text31"},           {R::EditableText, "Text32", "Text32"},
+                       {R::CheckBox, "Bypass", "ChkEffByPass"},           {R::PushButton, "Reset", "CmdEffReset"},
+                       {R::PushButton, "Done", "CmdEffDn1"}};
+  for (const auto& [role, name, control] : fx) EXPECT_EQ(found(effects, role, name), control) << name.toStdString();
+  EXPECT_EQ(labelled(effects, "Reverb"), "CmbRvrb");
+  EXPECT_EQ(labelled(effects, "Chorus"), "CmbChrs");
+  EXPECT_EQ(labelled(effects, "Variation"), "CmbVar");
+  EXPECT_EQ(labelled(effects, "Vari Chorus Send"), "SldEffVarChrSnd");
+  EXPECT_EQ(effects->tabText(0), "Effects");
 }
 
 TEST_F(Forms, TheSplashShowsItsTextsAndItsPictureByName) {
@@ -279,9 +301,15 @@ int widest(const QWidget* w, const QStringList& texts) {
   for (const QString& t : texts) most = std::max(most, w->fontMetrics().horizontalAdvance(t));
   return most;
 }
+// A list's entries as they read: the blanks that pad a type name to its table's width show as
+// nothing.
 QStringList items(QComboBox* box) {
   QStringList all;
-  for (int i = 0; i < box->count(); ++i) all << box->itemText(i);
+  for (int i = 0; i < box->count(); ++i) {
+    QString text = box->itemText(i);
+    while (text.endsWith(' ')) text.chop(1);
+    all << text;
+  }
   return all;
 }
 
@@ -363,6 +391,11 @@ TEST_F(Forms, ReadableTheEditPanelShowsEveryTextWholeOnItsPages) {
   }
   QWidget* client = child<QWidget>(main, "CS2xClient");
   EXPECT_TRUE(client->rect().contains(panel->geometry())) << panel->geometry().right() << " " << client->width();
+  // The effects panel beside it, over the Performance block: every type name whole.
+  child<QAction>(main, "EditEffcts")->trigger();
+  expectReadable(main);
+  auto* effects = child<QTabWidget>(main, "SSTab2");
+  EXPECT_TRUE(client->rect().contains(effects->geometry()));
 }
 
 TEST_F(Forms, ReadableEverythingAMusicianReadsShowsWhole) {

@@ -29,6 +29,7 @@
 #include "data/multi_template.h"
 #include "data/tables.h"
 #include "edit/edit_panel.h"
+#include "edit/effects_panel.h"
 #include "edit/slider_map.h"
 #include "qt/qt_program.h"
 
@@ -159,9 +160,18 @@ constexpr int kPerfChannel = 3;
 constexpr std::size_t kLayerSwitchAt = 0x16;  // Layer parameter 60 0L 16: 1 is on
 constexpr int kNote = 67, kVelocity = 127;    // the test note at start
 
+// A folder of the test's own, removed at the end.
+struct TempFolder {
+  TempFolder() { std::filesystem::create_directories(path); }
+  ~TempFolder() { std::filesystem::remove_all(path); }
+  test::TempFile base;
+  std::string path = base.path + ".d";
+};
+
 class MainFormWiring : public QtProgram {
  protected:
   MainWindow* main = nullptr;
+  TempFolder folder;
   QListWidget* pool = nullptr;
 
   void SetUp() override {
@@ -209,6 +219,22 @@ class MainFormWiring : public QtProgram {
     for (const char* box : {"TxtMsb", "TxtLsb", "TxtPrg", "TxtName1"}) s[box] = at<QLineEdit>(box)->text();
     for (const char* label : {"Label34_0", "Label34_1"}) s[label] = at<QLabel>(label)->text();
     s["ChckPort"] = onOff(at<QCheckBox>("ChckPort")->isChecked());
+    // The effects panel.
+    s["SSTab2"] = onOff(at("SSTab2")->isVisible());
+    for (const char* list : {"CmbRvrb", "CmbChrs", "CmbVar"})
+      s[list] = QString::number(at<QComboBox>(list)->currentIndex()) + (at(list)->isEnabled() ? "" : " off");
+    for (std::size_t i = 0; i < 3; ++i) {
+      const SliderRow& r = kSliderMap[kFirstEffectSlider + i];
+      s[name(r.control)] = QString::number(at<QSlider>(name(r.control))->value());
+      s[name(r.textBox)] = at<QLineEdit>(name(r.textBox))->text();
+    }
+    s["ChkEffByPass"] = onOff(at<QCheckBox>("ChkEffByPass")->isChecked());
+    // What the file menus wrote.
+    QStringList written;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path))
+      written << QString("%1 %2").arg(QString::fromStdString(entry.path().filename().string())).arg(entry.file_size());
+    written.sort();
+    s["files"] = written.join(", ");
     for (const auto& [group, count] : {std::pair{"Option1", 3}, {"Option2", 2}, {"Option3", 4}}) {
       QString on = "-";
       for (int i = 0; i < count; ++i)
@@ -252,6 +278,7 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   auto poolShows = [&](int selected) { return entries.join(" | ") + QString(" @%1").arg(selected); };
 
   std::vector<Row> rows;
+  auto entryOf = [&](const QString& action) { return [this, action] { at<QAction>(action)->trigger(); }; };
   rows.push_back({"CmbPrgm", [&] { pick(at<QComboBox>("CmbPrgm"), program); },
                   // The lone data byte between the Bank Select and the Program Change is no
                   // message: the instrument passes over it.
@@ -327,6 +354,29 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
                   },
                   assigned,
                   {{"LbxLyrPool", poolShows(0)}, {"CmdMult7", QString::fromStdString(nameOfTen(firstEntry.toStdString())) + " M7"}}});
+  // The file dialogs are Qt's own: a whole path typed into the file name box.
+  auto inDialog = [&](const QString& file, const std::function<void()>& open) {
+    return [&, file, open] {
+      const QString path = QString::fromStdString(folder.path) + "/" + file;
+      answers.script.push_back([path](QWidget* modal) {
+        auto* box = child<QLineEdit>(qobject_cast<QFileDialog*>(modal), "fileNameEdit");
+        // The whole path in place of the name the dialog offers (the last file chosen).
+        qobject_cast<QFileDialog*>(modal)->selectFile(path);
+        // Entered once this answer is over, so that a box the dialog opens gets its answer too.
+        QTimer::singleShot(0, box, [box] { QTest::keyClick(box, Qt::Key_Return); });
+      });
+      open();
+    };
+  };
+  QStringList written;  // what the folder holds
+  auto wrote = [&](const QString& file, int size) {
+    written << QString("%1 %2").arg(file).arg(size);
+    written.sort();
+    return written.join(", ");
+  };
+  QStringList poolSaved;
+  for (const QString& e : entries) poolSaved << (e + "          ").left(10);
+  rows.push_back({"SvLayerPool", inDialog("pool.tvp", entryOf("SvLayerPool")), {}, {{"files", wrote("pool.tvp", 24898)}}});
   rows.push_back({"CmdClrLyrPool", [&] { at<QPushButton>("CmdClrLyrPool")->click(); }, {}, {{"LbxLyrPool", " @-1"}}});
 
   // The options refill the program list and send nothing; Bank1 after Bank2 shows bank 1 again.
@@ -340,7 +390,6 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
                   {{"OptBank1", "on"}, {"OptBank2", "off"}, {"CmbPrgm", programs(name(PrfNames1[0]), name(PrfNames1[127]))}}});
 
   // The menus.
-  auto entryOf = [&](const QString& action) { return [this, action] { at<QAction>(action)->trigger(); }; };
   Wire reread{perfChannel(0)};
   reread.insert(reread.end(), kPerfRequests.begin(), kPerfRequests.end());
   reread.push_back(perfChannel(kPerfChannel));
@@ -461,6 +510,93 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
     if (m == 7) changed["SSTab1"] = "on 2";
     rows.push_back({QString("EditMult%1").arg(m), entryOf(QString("EditMult%1").arg(m)), {}, changed});
   }
+
+  // ---- The effects panel, on Com2 of the Performance chosen above.
+  const auto stored = VirtualCs2x::storedPerformance(VirtualCs2x::kPreset1, static_cast<std::uint8_t>(program));
+  auto typeRow = [](std::span<const EffectType> table, std::uint8_t high, std::uint8_t low) {
+    int row = 0;
+    findEffectType(table, high, low, &row);
+    return row;
+  };
+  const int reverb = typeRow(RvrbTbl, stored.com2[0], stored.com2[1]), chorus = typeRow(ChrsTbl, stored.com2[2], stored.com2[3]),
+            variation = typeRow(VarTbl, stored.com2[4], stored.com2[5]);
+  State opened{{"SSTab2", "on"}, {"CmbRvrb", QString::number(reverb)}, {"CmbChrs", QString::number(chorus)},
+               {"CmbVar", QString::number(variation)}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    const SliderRow& r = kSliderMap[kFirstEffectSlider + i];
+    opened[name(r.control)] = QString::number(stored.com2[20 + i]);
+    opened[name(r.textBox)] = QString::number(stored.com2[20 + i]);
+  }
+  rows.push_back({"EditEffcts", entryOf("EditEffcts"), {}, opened});
+  const int otherReverb = (reverb + 1) % 13, otherChorus = (chorus + 1) % 15, otherVariation = (variation + 1) % 64;
+  rows.push_back({"CmbRvrb", [&, otherReverb] { pick(at<QComboBox>("CmbRvrb"), otherReverb); },
+                  {hexOf({0xF0, 0x43, 0x10, 0x63, 0x60, 0x00, 0x40, RvrbTbl[static_cast<std::size_t>(otherReverb)].high,
+                          RvrbTbl[static_cast<std::size_t>(otherReverb)].low, 0xF7})},
+                  {{"CmbRvrb", QString::number(otherReverb)}}});
+  rows.push_back({"CmbChrs", [&, otherChorus] { pick(at<QComboBox>("CmbChrs"), otherChorus); },
+                  {hexOf({0xF0, 0x43, 0x10, 0x63, 0x60, 0x00, 0x42, ChrsTbl[static_cast<std::size_t>(otherChorus)].high,
+                          ChrsTbl[static_cast<std::size_t>(otherChorus)].low, 0xF7})},
+                  {{"CmbChrs", QString::number(otherChorus)}}});
+  rows.push_back({"CmbVar", [&, otherVariation] { pick(at<QComboBox>("CmbVar"), otherVariation); },
+                  {hexOf({0xF0, 0x43, 0x10, 0x63, 0x60, 0x00, 0x44, VarTbl[static_cast<std::size_t>(otherVariation)].high,
+                          VarTbl[static_cast<std::size_t>(otherVariation)].low, 0xF7})},
+                  {{"CmbVar", QString::number(otherVariation)}}});
+  for (std::size_t i = 0; i < 3; ++i) {
+    const SliderRow& r = kSliderMap[kFirstEffectSlider + i];
+    const QString slider = name(r.control), box = name(r.textBox);
+    const int v = stored.com2[20 + i];
+    const bool up = v < r.max;
+    const int moved = up ? v + 1 : v - 1;
+    rows.push_back({box, [&, slider, up] { QTest::keyPress(at(slider), up ? Qt::Key_Right : Qt::Key_Left); }, {},
+                    {{slider, QString::number(moved)}, {box, QString::number(moved)}}});
+    rows.push_back({slider, [&, slider, up] { QTest::keyClick(at(slider), up ? Qt::Key_Left : Qt::Key_Right); },
+                    {hexOf({0xF0, 0x43, 0x10, 0x63, 0x60, 0x00, r.address, v, 0xF7})},
+                    {{slider, QString::number(v)}, {box, QString::number(v)}}});
+  }
+  const std::string com2Dump = "F0 43 00 63 00 17 60 00 40*F7";
+  rows.push_back({"ChkEffByPass", clicked("ChkEffByPass"),
+                  {"F0 43 10 63 60 00 40 00 00 F7", "F0 43 10 63 60 00 42 00 00 F7", "F0 43 10 63 60 00 44 40 00 F7"},
+                  {{"ChkEffByPass", "on"}, {"CmbRvrb", QString::number(otherReverb) + " off"},
+                   {"CmbChrs", QString::number(otherChorus) + " off"}, {"CmbVar", QString::number(otherVariation) + " off"}}});
+  rows.push_back({"CmdEffReset", clicked("CmdEffReset"), {com2Dump, com2Dump},
+                  {{"ChkEffByPass", "off"}, {"CmbRvrb", QString::number(reverb)}, {"CmbChrs", QString::number(chorus)},
+                   {"CmbVar", QString::number(variation)}}});
+  rows.push_back({"CmdEffDn1", clicked("CmdEffDn1"), notesOff(61, 99), {{"SSTab2", "off"}}});  // the test note moved above
+  rows.push_back({"SSTab2", entryOf("EditEffcts"), {}, {{"SSTab2", "on"}}});
+
+  // ---- Save and Load. Every save with the Performance reads it first.
+  const Wire fromEveryMulti = [&] {
+    Wire all;
+    for (int m = 5; m <= 16; ++m) {
+      const Wire one = defaults(m - 1);  // the same frames; the data the file's
+      all.insert(all.end(), one.begin(), one.end());
+    }
+    return all;
+  }();
+  const Wire perfSent(8, "F0 43 00 63*F7");
+  Wire setupSent = fromEveryMulti;
+  setupSent.insert(setupSent.end(), perfSent.begin(), perfSent.end());
+  rows.push_back({"SvWrkSpace", inDialog("all.tvw", entryOf("SvWrkSpace")), reread, {{"files", wrote("all.tvw", 27850)}}});
+  rows.push_back({"SvSetuptvf", inDialog("all.tvf", entryOf("SvSetuptvf")), reread, {{"files", wrote("all.tvf", 2952)}}});
+  rows.push_back({"SvPerform", inDialog("all.tvx", entryOf("SvPerform")), reread, {{"files", wrote("all.tvx", 456)}}});
+  rows.push_back({"SvMultAll", inDialog("all.tvm", entryOf("SvMultAll")), {}, {{"files", wrote("all.tvm", 2496)}}});
+  for (int m = 5; m <= 16; ++m) {
+    const QString entry = QString("SvMult%1").arg(m), file = QString("m%1.tvs").arg(m);
+    rows.push_back({entry, inDialog(file, entryOf(entry)), {}, {{"files", wrote(file, 192)}}});
+  }
+  // Each Multi takes the file of another, with its own part in every dump.
+  for (int m = 5; m <= 16; ++m) {
+    const QString entry = QString("LdMult%1").arg(m), file = QString("m%1.tvs").arg(m == 16 ? 5 : m + 1);
+    State changed;
+    if (m == 5) changed["SSTab1"] = "off 2";  // a load hides the edit panel
+    rows.push_back({entry, inDialog(file, entryOf(entry)), defaults(m - 1), changed});
+  }
+  rows.push_back({"LdMultAll", inDialog("all.tvm", entryOf("LdMultAll")), fromEveryMulti, {}});
+  rows.push_back({"LdPerform", inDialog("all.tvx", entryOf("LdPerform")), perfSent, {{"SSTab2", "off"}}});
+  rows.push_back({"LdFullSetup", inDialog("all.tvf", entryOf("LdFullSetup")), setupSent, {}});
+  rows.push_back({"LdLayerPool", inDialog("pool.tvp", entryOf("LdLayerPool")), {},
+                  {{"LbxLyrPool", poolSaved.join(" | ") + " @-1"}}});
+  rows.push_back({"LdWrkSpace", inDialog("all.tvw", entryOf("LdWrkSpace")), setupSent, {{"LbxLyrPool", " @-1"}}});
 
   run(rows);
   expectEveryControlHasARow(main, rows);

@@ -209,4 +209,13 @@ bool ScriptedScreen::showOpen(FileDialog& dialog) {
   return true;
 }
 
+bool ScriptedScreen::showSave(FileDialog& dialog) {
+  dialogs.push_back(dialog);
+  events_.push_back("save dialog");
+  if (saveAnswers.empty()) return false;
+  dialog.fileName = saveAnswers.front();
+  saveAnswers.pop_front();
+  return true;
+}
+
 }  // namespace tessivo::test

@@ -106,6 +106,7 @@ class ScriptedScreen : public Screen {
   bool busy = false;
   std::vector<bool> busyChanges;  // every setBusy, in order
   std::deque<std::string> openAnswers;  // files chosen in the next open dialogs; empty: Cancel
+  std::deque<std::string> saveAnswers;  // the same for the save dialogs
   std::vector<FileDialog> dialogs;
 
   std::vector<std::string> texts() const;  // the texts of the boxes shown so far
@@ -122,6 +123,7 @@ class ScriptedScreen : public Screen {
   }
   void startTimer(int intervalMs) override { events_.push_back("timer " + std::to_string(intervalMs)); }
   bool showOpen(FileDialog& dialog) override;
+  bool showSave(FileDialog& dialog) override;
 
  private:
   void log(const char* what, FormId form);

@@ -16,6 +16,7 @@
 #include "data/tables.h"
 #include "link/numtext.h"
 #include "shell/qt/edit_tab.h"
+#include "shell/qt/effects_tab.h"
 #include "shell/qt/gestures.h"
 #include "shell/qt/names.h"
 #include "shell/qt/qt_app.h"
@@ -105,6 +106,10 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   constexpr int kRightMargin = px(11085 - 8040 - 3015);
   central->setFixedSize(std::max(central->width(), editTab_->geometry().right() + 1 + kRightMargin),
                         std::max(central->height(), editTab_->geometry().bottom() + 1));
+  // The effects panel stands over the Performance block, left of the Multi buttons.
+  effectsTab_ = new EffectsTab(form_.effects(), form_.edit(), [this] { handled(); }, central);
+  if (effectsTab_->geometry().right() + kGap >= cmdMult_[0]->x())
+    effectsTab_->move(std::max(0, cmdMult_[0]->x() - kGap - effectsTab_->width()), effectsTab_->y());
   acceptDrops();
   render();
 }
@@ -191,6 +196,12 @@ void MainWindow::buildMenus() {
 
   QMenu* edit = menuBar()->addMenu("Edit");
   edit->setObjectName("EditMenu");
+  QAction* effects = edit->addAction("Effects");
+  effects->setObjectName("EditEffcts");
+  connect(effects, &QAction::triggered, this, [this] {
+    form_.effects().EditEffcts_Click();
+    handled();
+  });
   QMenu* editMulti = edit->addMenu("Multi");
   editMulti->setObjectName("EditMulti");
   addMultiEntries(editMulti, "EditMult", [this](int m) { form_.edit().EditMult_Click(m); });
@@ -202,6 +213,39 @@ void MainWindow::buildMenus() {
   QMenu* multi = retrieve->addMenu("Multi");
   multi->setObjectName("RtrvMult");
   addMultiEntries(multi, "RtrvMulti", [this](int m) { form_.RtrvMulti_Click(m); });
+
+  Files& files = form_.files();
+  QMenu* load = menuBar()->addMenu("Load");
+  load->setObjectName("load");
+  auto fileEntry = [this](QMenu* menu, const char* name, const char* text, void (Files::*handler)()) {
+    QAction* action = menu->addAction(text);
+    action->setObjectName(name);
+    connect(action, &QAction::triggered, this, [this, handler] {
+      (form_.files().*handler)();
+      handled();
+    });
+  };
+  fileEntry(load, "LdWrkSpace", "Workspace", &Files::LdWrkSpace_Click);
+  fileEntry(load, "LdFullSetup", "Setup", &Files::LdFullSetup_Click);
+  fileEntry(load, "LdLayerPool", "Layer Pool", &Files::LdLayerPool_Click);
+  fileEntry(load, "LdPerform", "Performance", &Files::LdPerform_Click);
+  fileEntry(load, "LdMultAll", "All Multis", &Files::LdMultAll_Click);
+  QMenu* loadMulti = load->addMenu("Multi");
+  loadMulti->setObjectName("Mltsel");
+  addMultiEntries(loadMulti, "LdMult", [&files](int m) { files.LdMultDlg(m - 1); });
+
+  QMenu* save = menuBar()->addMenu("Save");
+  save->setObjectName("Save");
+  fileEntry(save, "SvWrkSpace", "Workspace", &Files::SvWrkSpace_Click);
+  QMenu* setup = save->addMenu("Setup");
+  setup->setObjectName("SvfullSetup");
+  fileEntry(setup, "SvSetuptvf", "as .tvf", &Files::SvSetuptvf_Click);
+  fileEntry(save, "SvLayerPool", "Layer Pool", &Files::SvLayerPool_Click);
+  fileEntry(save, "SvPerform", "Performance", &Files::SvPerform_Click);
+  fileEntry(save, "SvMultAll", "All Multis", &Files::SvMultAll_Click);
+  QMenu* saveMulti = save->addMenu("Multi");
+  saveMulti->setObjectName("Mlts");
+  addMultiEntries(saveMulti, "SvMult", [&files](int m) { files.SvMultDlg(m - 1); });
 
   QMenu* init = menuBar()->addMenu("Initialize");
   init->setObjectName("Init");
@@ -492,6 +536,7 @@ void MainWindow::render() {
   renderButton(cmdClrLyrPool_, pool.CmdClrLyrPool);
 
   editTab_->render();
+  effectsTab_->render();
   renderCheck(localOff_, form_.LocalOffChecked);
   renderCheck(arpOff_, form_.ArpOffChecked);
   renderCheck(trnsChnlAssgn_, form_.TrnsChnlAssgnChecked);

@@ -21,6 +21,7 @@ class QWidget;
 namespace tessivo::qt {
 
 class EditTab;
+class EffectsTab;
 class QtApp;
 
 class MainWindow : public QMainWindow {
@@ -72,6 +73,7 @@ class MainWindow : public QMainWindow {
   QPushButton* cmdClrLyrPool_ = nullptr;
 
   EditTab* editTab_ = nullptr;
+  EffectsTab* effectsTab_ = nullptr;
   QAction* localOff_ = nullptr;
   QAction* arpOff_ = nullptr;
   QAction* trnsChnlAssgn_ = nullptr;

@@ -167,6 +167,22 @@ bool QtApp::showOpen(FileDialog& dialog) {
   return true;
 }
 
+bool QtApp::showSave(FileDialog& dialog) {
+  QFileDialog box(QApplication::activeWindow(), "Save As");
+  box.setOption(QFileDialog::DontUseNativeDialog);
+  box.setAcceptMode(QFileDialog::AcceptSave);
+  box.setFileMode(QFileDialog::AnyFile);
+  // Flags 2 asks before an existing file is overwritten; nothing adds an extension.
+  box.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & 2) == 0);
+  const QStringList filters = nameFilters(dialog.filter);
+  box.setNameFilters(filters);
+  if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size()) box.selectNameFilter(filters[dialog.filterIndex - 1]);
+  if (!dialog.fileName.empty()) box.selectFile(QString::fromStdString(dialog.fileName));
+  if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return false;
+  dialog.fileName = box.selectedFiles().front().toStdString();
+  return true;
+}
+
 void QtApp::afterHandler() {
   if (app_.finished()) emit finished();
 }

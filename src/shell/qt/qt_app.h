@@ -48,6 +48,7 @@ class QtApp : public QObject, public Screen {
   void setBusy(bool busy) override;
   void startTimer(int intervalMs) override;
   bool showOpen(FileDialog& dialog) override;
+  bool showSave(FileDialog& dialog) override;
 
   // Called by the windows after a handler ran: ends the process when no form is left.
   void afterHandler();
