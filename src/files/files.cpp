@@ -137,16 +137,8 @@ void Files::LdFullSetupFile() {
 void Files::loadSetup(std::span<const std::uint8_t> record, bool workspace) {
   p_.effects.visible = false;
   p_.edit.visible = false;
-  for (int part = kFirstPart; part <= kLastPart; ++part) {
-    const auto rec = record.subspan(static_cast<std::size_t>(part - kFirstPart) * kMultiRecBytes, kMultiRecBytes);
-    for (int s = 0; s < kTemplateSections; ++s) {
-      const auto n = static_cast<std::size_t>(p_.link.SctnLen[static_cast<std::size_t>(s)]);
-      const auto from = rec.subspan(recSectionAt(s), std::min(n, kTemplateSectionBytes[static_cast<std::size_t>(s)]));
-      std::copy(from.begin(), from.end(), p_.images.multi.section(static_cast<std::size_t>(part), static_cast<std::size_t>(s)).begin());
-      p_.link.SndSysExData({}, kMultiSectionMode, static_cast<std::int16_t>(part), static_cast<std::int16_t>(s));
-    }
-    p_.multis.row(part + 1).CmdMult.caption = captionFromRec(rec, part + 1);
-  }
+  for (int part = kFirstPart; part <= kLastPart; ++part)
+    loadMultiRec(record.subspan(static_cast<std::size_t>(part - kFirstPart) * kMultiRecBytes, kMultiRecBytes), part, false);
   // The channels, each list's click sending unless the form is loading. A byte that is no
   // channel ends the load here.
   for (int m = kFirstMulti; m <= kLastMulti; ++m) {
@@ -188,16 +180,9 @@ void Files::LdMultAllFile() {
   std::vector<std::uint8_t> record(kMultiSetRecBytes);
   if (!readChecked(CurFilePath, FileType::AllMultis, record, [this] { LdMultAll_Click(); })) return;
   p_.edit.visible = false;
-  for (int part = kFirstPart; part <= kLastPart; ++part) {
-    const auto rec = std::span<const std::uint8_t>(record).subspan(static_cast<std::size_t>(part - kFirstPart) * kMultiRecBytes, kMultiRecBytes);
-    for (int s = 0; s < kTemplateSections; ++s) {
-      const auto n = static_cast<std::size_t>(p_.link.SctnLen[static_cast<std::size_t>(s)]);
-      const auto from = rec.subspan(recSectionAt(s), std::min(n, kTemplateSectionBytes[static_cast<std::size_t>(s)]));
-      std::copy(from.begin(), from.end(), p_.images.multi.section(static_cast<std::size_t>(part), static_cast<std::size_t>(s)).begin());
-      p_.link.SndSysExData({}, kMultiSectionMode, static_cast<std::int16_t>(part), static_cast<std::int16_t>(s));
-    }
-    p_.multis.row(part + 1).CmdMult.caption = captionFromRec(rec, part + 1);
-  }
+  for (int part = kFirstPart; part <= kLastPart; ++part)
+    loadMultiRec(std::span<const std::uint8_t>(record).subspan(static_cast<std::size_t>(part - kFirstPart) * kMultiRecBytes, kMultiRecBytes),
+                 part, false);
   // The saved channels; a byte that is no channel leaves its list as it is.
   for (int m = kFirstMulti; m <= kLastMulti; ++m)
     p_.multis.row(m).CmbMult.setIndex(p_.images.multi.section(static_cast<std::size_t>(m - 1), 0)[kReceiveChannelAt]);
@@ -207,18 +192,24 @@ void Files::LdMultFile(int part) {
   std::array<std::uint8_t, kMultiRecBytes> record{};
   if (!readChecked(CommonDialog1.fileName, FileType::SingleMulti, record, [this, part] { LdMultDlg(part); })) return;
   p_.edit.visible = false;
+  loadMultiRec(record, part, true);
+}
+
+void Files::loadMultiRec(std::span<const std::uint8_t> rec, int part, bool toThisPlace) {
   const auto p = static_cast<std::size_t>(part);
-  const std::uint8_t channel = p_.images.multi.section(p, 0)[kReceiveChannelAt];  // the target keeps its own
+  const std::uint8_t channel = p_.images.multi.section(p, 0)[kReceiveChannelAt];
   for (int s = 0; s < kTemplateSections; ++s) {
     auto section = p_.images.multi.section(p, static_cast<std::size_t>(s));
     const auto n = static_cast<std::size_t>(p_.link.SctnLen[static_cast<std::size_t>(s)]);
-    const auto from = std::span<const std::uint8_t>(record).subspan(recSectionAt(s), std::min(n, kTemplateSectionBytes[static_cast<std::size_t>(s)]));
+    const auto from = rec.subspan(recSectionAt(s), std::min(n, kTemplateSectionBytes[static_cast<std::size_t>(s)]));
     std::copy(from.begin(), from.end(), section.begin());
-    section[kPartByteAt] = static_cast<std::uint8_t>(part);
-    if (s == 0) section[kReceiveChannelAt] = channel;
+    if (toThisPlace) {  // the sound goes to this part, which keeps its channel
+      section[kPartByteAt] = static_cast<std::uint8_t>(part);
+      if (s == 0) section[kReceiveChannelAt] = channel;
+    }
     p_.link.SndSysExData({}, kMultiSectionMode, static_cast<std::int16_t>(part), static_cast<std::int16_t>(s));
   }
-  p_.multis.row(part + 1).CmdMult.caption = captionFromRec(record, part + 1);
+  p_.multis.row(part + 1).CmdMult.caption = captionFromRec(rec, part + 1);
 }
 
 // ---- Save menu --------------------------------------------------------------------------------

@@ -76,6 +76,9 @@ class Files {
   bool readChecked(const std::string& path, FileType type, std::span<std::uint8_t> record,
                    const std::function<void()>& again);
   void loadSetup(std::span<const std::uint8_t> record, bool workspace);
+  // A MultiRec into part `part`, each section sent at once, and its name on the part's button.
+  // `toThisPlace`: a single Multi's own part index goes in, and the part keeps its channel.
+  void loadMultiRec(std::span<const std::uint8_t> rec, int part, bool toThisPlace);
   void loadPerformance(std::span<const std::uint8_t> record);
   void putMultiSet(std::span<std::uint8_t> record);
   void savePerformanceAnd(const std::function<void()>& write);

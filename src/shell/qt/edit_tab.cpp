@@ -14,6 +14,7 @@
 #include <QSlider>
 #include <QTimer>
 
+#include "shell/qt/gestures.h"
 #include "shell/qt/names.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -37,16 +38,6 @@ QStringList textsOf(const SliderRow& row) {
   return texts;
 }
 
-// The keys by which a slider moves; their release counts as letting go.
-bool movesSlider(int key) {
-  switch (key) {
-    case Qt::Key_Left: case Qt::Key_Right: case Qt::Key_Up: case Qt::Key_Down:
-    case Qt::Key_PageUp: case Qt::Key_PageDown: case Qt::Key_Home: case Qt::Key_End:
-      return true;
-    default:
-      return false;
-  }
-}
 
 void renderGroup(const std::vector<QRadioButton*>& buttons, const OptionGroupCtl& group) {
   for (std::size_t i = 0; i < buttons.size(); ++i) {
@@ -224,7 +215,7 @@ void EditTab::sliderRow(QGridLayout* grid, std::size_t row) {
   sliders_[row] = slider;
   texts_[row] = text;
   if (row == 15) varSendLabel_ = caption;
-  slider->installEventFilter(this);
+  new SliderLetGo(slider, [this, row] { released(row); });
   connect(slider, &QSlider::valueChanged, this, [this, row](int value) {
     panel_.sliders[row].value = value;
     panel_.Scroll(row);
@@ -283,29 +274,6 @@ void EditTab::released(std::size_t row) {
   handled_();
 }
 
-bool EditTab::eventFilter(QObject* watched, QEvent* event) {
-  const auto it = std::find(sliders_.begin(), sliders_.end(), watched);
-  if (it == sliders_.end() || !(*it)->isEnabled()) return false;
-  const auto row = static_cast<std::size_t>(it - sliders_.begin());
-  switch (event->type()) {
-    case QEvent::MouseButtonRelease:
-      // A press on the groove or the handle has moved the slider already.
-      released(row);
-      break;
-    case QEvent::KeyRelease: {
-      auto* key = static_cast<QKeyEvent*>(event);
-      if (!key->isAutoRepeat() && movesSlider(key->key())) released(row);
-      break;
-    }
-    case QEvent::Wheel:
-      // The wheel moves the slider once this event has reached it.
-      QTimer::singleShot(0, this, [this, row] { released(row); });
-      break;
-    default:
-      break;
-  }
-  return false;
-}
 
 void EditTab::render() {
   for (std::size_t row = 0; row < kEditSliders; ++row) {

@@ -28,7 +28,6 @@ class EditTab : public QTabWidget {
   // `handled` runs after each handler: the window renders and the program may end.
   EditTab(EditPanel& panel, std::function<void()> handled, QWidget* parent);
   void render();
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   QWidget* page(const char* name);

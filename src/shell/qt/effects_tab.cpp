@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "data/tables.h"
+#include "shell/qt/gestures.h"
 #include "shell/qt/names.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -52,16 +53,6 @@ QStringList textsOf(const SliderRow& row) {
   return texts;
 }
 
-// The keys by which a slider moves; their release counts as letting go.
-bool movesSlider(int key) {
-  switch (key) {
-    case Qt::Key_Left: case Qt::Key_Right: case Qt::Key_Up: case Qt::Key_Down:
-    case Qt::Key_PageUp: case Qt::Key_PageDown: case Qt::Key_Home: case Qt::Key_End:
-      return true;
-    default:
-      return false;
-  }
-}
 
 void useSmallFont(QWidget* w) {
   QFont f = w->font();
@@ -170,7 +161,7 @@ void EffectsTab::sendRow(QGridLayout* grid, std::size_t i) {
   grid->addWidget(text, at, 2);
   sends_[i] = slider;
   texts_[i] = text;
-  slider->installEventFilter(this);
+  new SliderLetGo(slider, [this, i] { released(i); });
   connect(slider, &QSlider::valueChanged, this, [this, row](int value) {
     sliders_.sliders[row].value = value;
     sliders_.Scroll(row);
@@ -199,29 +190,6 @@ void EffectsTab::released(std::size_t i) {
   handled_();
 }
 
-bool EffectsTab::eventFilter(QObject* watched, QEvent* event) {
-  const auto it = std::find(sends_.begin(), sends_.end(), watched);
-  if (it == sends_.end() || !(*it)->isEnabled()) return false;
-  const auto i = static_cast<std::size_t>(it - sends_.begin());
-  switch (event->type()) {
-    case QEvent::MouseButtonRelease:
-      // A press on the groove or the handle has moved the slider already.
-      released(i);
-      break;
-    case QEvent::KeyRelease: {
-      auto* key = static_cast<QKeyEvent*>(event);
-      if (!key->isAutoRepeat() && movesSlider(key->key())) released(i);
-      break;
-    }
-    case QEvent::Wheel:
-      // The wheel moves the slider once this event has reached it.
-      QTimer::singleShot(0, this, [this, i] { released(i); });
-      break;
-    default:
-      break;
-  }
-  return false;
-}
 
 void EffectsTab::render() {
   renderList(cmbRvrb_, panel_.CmbRvrb);

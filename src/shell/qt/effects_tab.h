@@ -26,7 +26,6 @@ class EffectsTab : public QTabWidget {
   // `handled` runs after each handler: the window renders and the program may end.
   EffectsTab(EffectsPanel& panel, EditPanel& sliders, std::function<void()> handled, QWidget* parent);
   void render();
-  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   static constexpr std::size_t kSends = 3;

@@ -5,7 +5,9 @@
 #include <QDrag>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTimer>
 #include <QPainter>
 #include <QPainterPath>
 #include <QWidget>
@@ -85,6 +87,38 @@ bool PressWatch::eventFilter(QObject* watched, QEvent* event) {
              static_cast<QMouseEvent*>(event)->buttons() == Qt::NoButton) {
     down_ = false;
     if (release_) release_();
+  }
+  return false;
+}
+
+SliderLetGo::SliderLetGo(QWidget* slider, std::function<void()> letGo)
+    : QObject(slider), slider_(slider), letGo_(std::move(letGo)) {
+  slider->installEventFilter(this);
+}
+
+bool SliderLetGo::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != slider_ || !slider_->isEnabled()) return false;
+  switch (event->type()) {
+    case QEvent::MouseButtonRelease:
+      letGo_();  // a press on the groove or the handle has moved the slider already
+      break;
+    case QEvent::KeyRelease: {
+      auto* key = static_cast<QKeyEvent*>(event);
+      switch (key->isAutoRepeat() ? 0 : key->key()) {
+        case Qt::Key_Left: case Qt::Key_Right: case Qt::Key_Up: case Qt::Key_Down:
+        case Qt::Key_PageUp: case Qt::Key_PageDown: case Qt::Key_Home: case Qt::Key_End:
+          letGo_();
+          break;
+        default:
+          break;
+      }
+      break;
+    }
+    case QEvent::Wheel:
+      QTimer::singleShot(0, this, [this] { letGo_(); });  // the wheel moves it once this event arrives
+      break;
+    default:
+      break;
   }
   return false;
 }

@@ -36,6 +36,19 @@ class PressWatch : public QObject {
   bool down_ = false;
 };
 
+// The end of a slider's movement, as a user lets go of it: the release of a mouse button, the
+// release of a key that moves it (a held key once, at its end), and each turn of the wheel once
+// the slider has moved. A disabled slider reports nothing.
+class SliderLetGo : public QObject {
+ public:
+  SliderLetGo(QWidget* slider, std::function<void()> letGo);
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  QWidget* slider_;
+  std::function<void()> letGo_;
+};
+
 // A control that can be dragged. A press (any mouse button) reports at once; the drag itself
 // starts once the pointer has moved QApplication::startDragDistance() with a button held. A
 // release before that is a drop of the control on itself. The control takes no mouse events

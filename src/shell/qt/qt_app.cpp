@@ -150,30 +150,17 @@ void QtApp::startTimer(int intervalMs) {
   else timer1_.stop();
 }
 
-bool QtApp::showOpen(FileDialog& dialog) {
-  // Qt's own dialog, the same on every desktop: its window and controls can be found from
-  // outside like the forms', and its file name box takes a whole path.
-  QFileDialog box(QApplication::activeWindow(), "Open");
+namespace {
+// Qt's own dialog, the same on every desktop: its window and controls can be found from outside
+// like the forms', and its file name box takes a whole path. The filter index counts from 1;
+// one beyond the list falls back to the first filter. The last file chosen stands in it.
+bool runFileDialog(FileDialog& dialog, bool save) {
+  QFileDialog box(QApplication::activeWindow(), save ? "Save As" : "Open");
   box.setOption(QFileDialog::DontUseNativeDialog);
-  box.setAcceptMode(QFileDialog::AcceptOpen);
-  box.setFileMode(QFileDialog::ExistingFile);
-  const QStringList filters = nameFilters(dialog.filter);
-  box.setNameFilters(filters);
-  // The index counts from 1; one beyond the list falls back to the first filter.
-  if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size()) box.selectNameFilter(filters[dialog.filterIndex - 1]);
-  if (!dialog.fileName.empty()) box.selectFile(QString::fromStdString(dialog.fileName));
-  if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return false;
-  dialog.fileName = box.selectedFiles().front().toStdString();
-  return true;
-}
-
-bool QtApp::showSave(FileDialog& dialog) {
-  QFileDialog box(QApplication::activeWindow(), "Save As");
-  box.setOption(QFileDialog::DontUseNativeDialog);
-  box.setAcceptMode(QFileDialog::AcceptSave);
-  box.setFileMode(QFileDialog::AnyFile);
+  box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   // Flags 2 asks before an existing file is overwritten; nothing adds an extension.
-  box.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & 2) == 0);
+  if (save) box.setOption(QFileDialog::DontConfirmOverwrite, (dialog.flags & 2) == 0);
   const QStringList filters = nameFilters(dialog.filter);
   box.setNameFilters(filters);
   if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size()) box.selectNameFilter(filters[dialog.filterIndex - 1]);
@@ -182,6 +169,10 @@ bool QtApp::showSave(FileDialog& dialog) {
   dialog.fileName = box.selectedFiles().front().toStdString();
   return true;
 }
+}  // namespace
+
+bool QtApp::showOpen(FileDialog& dialog) { return runFileDialog(dialog, false); }
+bool QtApp::showSave(FileDialog& dialog) { return runFileDialog(dialog, true); }
 
 void QtApp::afterHandler() {
   if (app_.finished()) emit finished();
