@@ -11,6 +11,7 @@ packages=(
   jackd2                                         # JACK server for the end-to-end MIDI tests
   libbenchmark-dev                               # benchmarks in bench/
   xvfb xauth xdotool fonts-dejavu-core           # running the editor on a virtual display
+  python3-mido midicsv                           # other programs that read the exported .mid and .syx in the tests
 )
 
 missing=()

@@ -74,6 +74,16 @@ std::string toCodePage(const std::string& text, std::size_t length) {
   return out;
 }
 
+std::string toCodePage(const std::string& text) {
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    bool raw = false;
+    const char32_t c = nextChar(text, at, raw);
+    out += static_cast<char>(raw ? static_cast<std::uint8_t>(c) : toByte(c));
+  }
+  return out;
+}
+
 std::string fromCodePage(std::span<const std::uint8_t> bytes) {
   std::string out;
   for (std::uint8_t b : bytes) appendUtf8(out, toChar(b));

@@ -11,6 +11,8 @@ namespace tessivo {
 
 // The first `length` characters of `text`, padded with blanks, as code page bytes.
 std::string toCodePage(const std::string& text, std::size_t length);
+// All of `text` as code page bytes.
+std::string toCodePage(const std::string& text);
 // Code page bytes as UTF-8 text, one character for each byte.
 std::string fromCodePage(std::span<const std::uint8_t> bytes);
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <vector>
 
+#include "files/exports.h"
 #include "files/file_io.h"
 
 namespace tessivo {
@@ -292,6 +293,50 @@ void Files::SvMultFile(int part) {
   std::array<std::uint8_t, kMultiRecBytes> record{};
   putMultiRec(record, p_.images.multi, part, p_.multis.row(part + 1).CmdMult.caption);
   writeRecord(CommonDialog1.fileName, record);
+}
+
+// ---- Exports --------------------------------------------------------------------------------
+
+void Files::SvSetupSyx_Click() {
+  if (saveDialog("Syx-Ex Setup (*.syx)|*.syx")) SvSetupSyxFile();
+}
+void Files::SvSetupMid_Click() {
+  if (saveDialog("Mid Type 0 Setup (*.mid)|*.mid")) SvSetupMidFile();
+}
+void Files::SvWrkSpaceText_Click() {
+  if (saveDialog("Workspace Description Text (*.txt)|*.txt")) SvWrkSpaceTextFile();
+}
+
+std::array<int, 12> Files::channels() const {
+  std::array<int, 12> c{};
+  for (int m = kFirstMulti; m <= kLastMulti; ++m) c[static_cast<std::size_t>(m - kFirstMulti)] = std::max(p_.multis.row(m).CmbMult.index(), 0);
+  return c;
+}
+
+void Files::SvSetupSyxFile() {
+  savePerformanceAnd([this] {
+    writeRecord(CommonDialog1.fileName, syxExport(setupMessages(p_.images.multi, p_.images.perf, channels())));
+  });
+}
+
+void Files::SvSetupMidFile() {
+  const int gap = midiGap(p_.density ? p_.density() : 0);  // read before the pointer changes
+  savePerformanceAnd([this, gap] {
+    writeRecord(CommonDialog1.fileName, midExport(setupMessages(p_.images.multi, p_.images.perf, channels()), gap));
+  });
+}
+
+void Files::SvWrkSpaceTextFile() {
+  savePerformanceAnd([this] {
+    WorkspaceText w;
+    w.path = CommonDialog1.fileName;
+    w.performance = p_.perfCaption ? p_.perfCaption() : std::string();
+    w.channels = channels();
+    for (int m = kFirstMulti; m <= kLastMulti; ++m) w.captions[static_cast<std::size_t>(m - kFirstMulti)] = p_.multis.row(m).CmdMult.caption;
+    w.pool = p_.pool.LbxLyrPool.items;
+    const std::string text = workspaceText(w);
+    writeRecord(CommonDialog1.fileName, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+  });
 }
 
 }  // namespace tessivo

@@ -31,6 +31,8 @@ class Files {
     Performance& performance;
     std::function<int()> perfChannel;          // list index of cmbPerfChnl
     std::function<std::string()> startupPath;  // TxtLdFile without its filling blanks
+    std::function<int()> density;              // Slider1, "Midi File Density"
+    std::function<std::string()> perfCaption;  // CmdPrfm's caption
   };
   explicit Files(Parts parts);
 
@@ -53,6 +55,10 @@ class Files {
   void SvLayerPool_Click();
   void SvMultAll_Click();
   void SvMultDlg(int part);  // SvMult5..SvMult16
+  // The exports.
+  void SvSetupSyx_Click();
+  void SvSetupMid_Click();
+  void SvWrkSpaceText_Click();
 
   // The readers and writers.
   void LdWrkSpaceFile();
@@ -67,6 +73,9 @@ class Files {
   void SvLyrPoolFile();
   void SvMultAllFile();
   void SvMultFile(int part);
+  void SvSetupSyxFile();
+  void SvSetupMidFile();
+  void SvWrkSpaceTextFile();
 
  private:
   bool openDialog(const char* filter);
@@ -82,6 +91,7 @@ class Files {
   void loadPerformance(std::span<const std::uint8_t> record);
   void putMultiSet(std::span<std::uint8_t> record);
   void savePerformanceAnd(const std::function<void()>& write);
+  std::array<int, 12> channels() const;
 
   Parts p_;
 };

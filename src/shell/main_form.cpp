@@ -41,7 +41,8 @@ MainForm::MainForm(MidiLink& link, PrefForm& pref)
       effects_(link, images_.perf, edit_, [this] { AllNtsOffSnd(); }),
       multis_(link, images_, pool_, edit_),
       files_({link, images_, pool_, multis_, edit_, effects_, perf_, [this] { return std::max(pref_.cmbPerfChnl.index(), 0); },
-              [this] { return pref_.workspacePath(); }}) {
+              [this] { return pref_.workspacePath(); }, [this] { return pref_.Slider1.value; },
+              [this] { return panel.CmdPrfm.caption; }}) {
   CmbMidNtNo.click = [this] { SldNt.value = Audition::sliderPosition(CmbMidNtNo.index()); };
   CmbMidVel.click = [this] { SldVel.value = Audition::sliderPosition(CmbMidVel.index()); };
   link_.attachImages(&images_);

@@ -61,7 +61,7 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
       EXPECT_TRUE(a->shortcut().isEmpty()) << a->text().toStdString();
       EXPECT_FALSE(a->isChecked()) << a->text().toStdString();
       entries << (a->menu() ? a->menu()->objectName() + "=" + a->text() + " [" + tree(a->menu()->actions()).join(", ") + "]"
-                            : a->objectName() + "=" + a->text());
+                            : a->objectName() + "=" + a->text() + (a->isEnabled() ? "" : " (off)"));
     }
     return entries;
   };
@@ -76,8 +76,9 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
                          "Retrv=Retrieve [RtrvPerf=Performance, RtrvAllMulti=All Multis, RtrvMult=Multi [" + multis("RtrvMulti") + "]]",
                          "load=Load [LdWrkSpace=Workspace, LdFullSetup=Setup, LdLayerPool=Layer Pool, LdPerform=Performance, "
                          "LdMultAll=All Multis, Mltsel=Multi [" + multis("LdMult") + "]]",
-                         "Save=Save [SvWrkSpace=Workspace, SvfullSetup=Setup [SvSetuptvf=as .tvf], SvLayerPool=Layer Pool, "
-                         "SvPerform=Performance, SvMultAll=All Multis, Mlts=Multi [" + multis("SvMult") + "]]",
+                         "Save=Save [SvWrkSpace=Workspace, SvfullSetup=Setup [SvSetuptvf=as .tvf, SvSetupSyx=as Sys-Ex (off), "
+                         "SvSetupMid=as Midi type 0], SvLayerPool=Layer Pool, SvPerform=Performance, SvMultAll=All Multis, "
+                         "Mlts=Multi [" + multis("SvMult") + "], SvWrkSpaceText=Workspace Desc Text]",
                          "Init=Initialize [InitMltall=All Multis, Mlt=Multi [" + multis("InitMlt") + "]]",
                          "mnuMidi=Midi [AllNtsOff=All Notes Off, LocalOff=Local Off, ArpOff=Arpeggiator Off, "
                          "TrnsChnlAssgn=Trans Chnl Assigned by Audition]"}));

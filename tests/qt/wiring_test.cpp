@@ -232,7 +232,9 @@ class MainFormWiring : public QtProgram {
     // What the file menus wrote.
     QStringList written;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path))
-      written << QString("%1 %2").arg(QString::fromStdString(entry.path().filename().string())).arg(entry.file_size());
+      // A description text's length follows the paths and names in it: it shows as text.
+      written << QString("%1 %2").arg(QString::fromStdString(entry.path().filename().string()),
+                                      entry.path().extension() == ".txt" ? QString("text") : QString::number(entry.file_size()));
     written.sort();
     s["files"] = written.join(", ");
     for (const auto& [group, count] : {std::pair{"Option1", 3}, {"Option2", 2}, {"Option3", 4}}) {
@@ -369,14 +371,14 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
     };
   };
   QStringList written;  // what the folder holds
-  auto wrote = [&](const QString& file, int size) {
-    written << QString("%1 %2").arg(file).arg(size);
+  auto wrote = [&](const QString& file, const QString& size) {
+    written << QString("%1 %2").arg(file, size);
     written.sort();
     return written.join(", ");
   };
   QStringList poolSaved;
   for (const QString& e : entries) poolSaved << (e + "          ").left(10);
-  rows.push_back({"SvLayerPool", inDialog("pool.tvp", entryOf("SvLayerPool")), {}, {{"files", wrote("pool.tvp", 24898)}}});
+  rows.push_back({"SvLayerPool", inDialog("pool.tvp", entryOf("SvLayerPool")), {}, {{"files", wrote("pool.tvp", "24898")}}});
   rows.push_back({"CmdClrLyrPool", [&] { at<QPushButton>("CmdClrLyrPool")->click(); }, {}, {{"LbxLyrPool", " @-1"}}});
 
   // The options refill the program list and send nothing; Bank1 after Bank2 shows bank 1 again.
@@ -576,13 +578,17 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   const Wire perfSent(8, "F0 43 00 63*F7");
   Wire setupSent = fromEveryMulti;
   setupSent.insert(setupSent.end(), perfSent.begin(), perfSent.end());
-  rows.push_back({"SvWrkSpace", inDialog("all.tvw", entryOf("SvWrkSpace")), reread, {{"files", wrote("all.tvw", 27850)}}});
-  rows.push_back({"SvSetuptvf", inDialog("all.tvf", entryOf("SvSetuptvf")), reread, {{"files", wrote("all.tvf", 2952)}}});
-  rows.push_back({"SvPerform", inDialog("all.tvx", entryOf("SvPerform")), reread, {{"files", wrote("all.tvx", 456)}}});
-  rows.push_back({"SvMultAll", inDialog("all.tvm", entryOf("SvMultAll")), {}, {{"files", wrote("all.tvm", 2496)}}});
+  rows.push_back({"SvWrkSpace", inDialog("all.tvw", entryOf("SvWrkSpace")), reread, {{"files", wrote("all.tvw", "27850")}}});
+  rows.push_back({"SvSetuptvf", inDialog("all.tvf", entryOf("SvSetuptvf")), reread, {{"files", wrote("all.tvf", "2952")}}});
+  rows.push_back({"SvPerform", inDialog("all.tvx", entryOf("SvPerform")), reread, {{"files", wrote("all.tvx", "456")}}});
+  rows.push_back({"SvMultAll", inDialog("all.tvm", entryOf("SvMultAll")), {}, {{"files", wrote("all.tvm", "2496")}}});
+  rows.push_back({"SvSetupMid", inDialog("all.mid", entryOf("SvSetupMid")), reread, {{"files", wrote("all.mid", "2691")}}});
+  // The Sys-Ex export is switched off: its entry does nothing.
+  rows.push_back({"SvSetupSyx", entryOf("SvSetupSyx"), {}, {}});
+  rows.push_back({"SvWrkSpaceText", inDialog("all.txt", entryOf("SvWrkSpaceText")), reread, {{"files", wrote("all.txt", "text")}}});
   for (int m = 5; m <= 16; ++m) {
     const QString entry = QString("SvMult%1").arg(m), file = QString("m%1.tvs").arg(m);
-    rows.push_back({entry, inDialog(file, entryOf(entry)), {}, {{"files", wrote(file, 192)}}});
+    rows.push_back({entry, inDialog(file, entryOf(entry)), {}, {{"files", wrote(file, "192")}}});
   }
   // Each Multi takes the file of another, with its own part in every dump.
   for (int m = 5; m <= 16; ++m) {

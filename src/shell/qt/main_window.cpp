@@ -240,12 +240,16 @@ void MainWindow::buildMenus() {
   QMenu* setup = save->addMenu("Setup");
   setup->setObjectName("SvfullSetup");
   fileEntry(setup, "SvSetuptvf", "as .tvf", &Files::SvSetuptvf_Click);
+  fileEntry(setup, "SvSetupSyx", "as Sys-Ex", &Files::SvSetupSyx_Click);
+  setup->actions().back()->setEnabled(false);  // switched off: the writer stands ready behind it
+  fileEntry(setup, "SvSetupMid", "as Midi type 0", &Files::SvSetupMid_Click);
   fileEntry(save, "SvLayerPool", "Layer Pool", &Files::SvLayerPool_Click);
   fileEntry(save, "SvPerform", "Performance", &Files::SvPerform_Click);
   fileEntry(save, "SvMultAll", "All Multis", &Files::SvMultAll_Click);
   QMenu* saveMulti = save->addMenu("Multi");
   saveMulti->setObjectName("Mlts");
   addMultiEntries(saveMulti, "SvMult", [&files](int m) { files.SvMultDlg(m - 1); });
+  fileEntry(save, "SvWrkSpaceText", "Workspace Desc Text", &Files::SvWrkSpaceText_Click);
 
   QMenu* init = menuBar()->addMenu("Initialize");
   init->setObjectName("Init");
