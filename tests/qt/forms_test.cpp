@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QCheckBox>
+#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -81,7 +82,8 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
                          "Mlts=Multi [" + multis("SvMult") + "], SvWrkSpaceText=Workspace Desc Text]",
                          "Init=Initialize [InitMltall=All Multis, Mlt=Multi [" + multis("InitMlt") + "]]",
                          "mnuMidi=Midi [AllNtsOff=All Notes Off, LocalOff=Local Off, ArpOff=Arpeggiator Off, "
-                         "TrnsChnlAssgn=Trans Chnl Assigned by Audition]"}));
+                         "TrnsChnlAssgn=Trans Chnl Assigned by Audition]",
+                         "Help=Help [About=About]"}));
 }
 
 TEST(MessageBoxes, OkIsTheDefaultSoEnterAnswers) {
@@ -351,7 +353,9 @@ void expectReadable(QWidget* form) {
       EXPECT_LE(widest(edit, {edit->text()}), textRoom(edit)) << name;
     }
     if (auto* button = qobject_cast<QAbstractButton*>(w); button && !button->text().isEmpty()) {
-      EXPECT_LE(widest(button, {button->text()}), textRoom(button)) << name;
+      QString shown = button->text();  // an access key's "&" is drawn as an underline
+      shown.remove(QChar('&'));
+      EXPECT_LE(widest(button, {shown}), textRoom(button)) << name;
     }
     if ((w->parentWidget() == form && w->objectName() != "CS2xClient") || w->parentWidget()->objectName() == "CS2xClient") controls << w;
   }
@@ -459,6 +463,26 @@ TEST_F(ScriptedQtProgram, ReadableALongDeviceNameShowsUnderThePointer) {
   EXPECT_TRUE(in->toolTip().isEmpty());
   pick(in, 1);
   EXPECT_EQ(in->toolTip(), longName);
+}
+
+TEST_F(Forms, AboutShowsTitleVersionAndNoticesAndClosesWithEscape) {
+  MainWindow* main = startMainForm();
+  ASSERT_NE(main, nullptr);
+  child<QAction>(main, "About")->trigger();
+  QWidget* about = main->findChild<QWidget*>("frmAbout");
+  ASSERT_NE(about, nullptr);
+  EXPECT_TRUE(about->isVisible());
+  EXPECT_FALSE(qobject_cast<QDialog*>(about)->isModal());
+  EXPECT_EQ(about->windowTitle(), "About CS2x Tessivo");
+  EXPECT_EQ(child<QLabel>(about, "lblTitle")->text(), "CS2x Tessivo");
+  EXPECT_EQ(child<QLabel>(about, "lblVersion")->text(), "Version 1.2.0");
+  EXPECT_FALSE(child<QLabel>(about, "lblDescription")->text().isEmpty());
+  EXPECT_FALSE(child<QLabel>(about, "lblDisclaimer")->text().isEmpty());
+  EXPECT_TRUE(child<QPushButton>(about, "cmdOK")->isDefault());
+  EXPECT_EQ(child<QPushButton>(about, "cmdSysInfo")->text(), "&System Info...");
+  expectReadable(about);
+  QTest::keyClick(about, Qt::Key_Escape);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return main->findChild<QWidget*>("frmAbout") == nullptr; }, 2000));
 }
 
 }  // namespace

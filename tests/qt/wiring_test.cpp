@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <QCheckBox>
+#include <QDialog>
 #include <QDrag>
 #include <QFileDialog>
 #include <QGroupBox>
@@ -603,6 +604,11 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   rows.push_back({"LdLayerPool", inDialog("pool.tvp", entryOf("LdLayerPool")), {},
                   {{"LbxLyrPool", poolSaved.join(" | ") + " @-1"}}});
   rows.push_back({"LdWrkSpace", inDialog("all.tvw", entryOf("LdWrkSpace")), setupSent, {{"LbxLyrPool", " @-1"}}});
+
+  rows.push_back({"About", [&] {
+                    at<QAction>("About")->trigger();
+                    main->findChild<QDialog*>("frmAbout")->close();
+                  }, {}, {}});
 
   run(rows);
   expectEveryControlHasARow(main, rows);

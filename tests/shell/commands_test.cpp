@@ -2,6 +2,7 @@
 // check marks, the performance channel, the Retrieve menu and the manual parameter fields.
 #include <gtest/gtest.h>
 
+#include "shell/about.h"
 #include "support/scripted.h"
 
 namespace tessivo {
@@ -101,6 +102,30 @@ TEST_F(Commands, RetrieveMenuReadsMultisWithoutTouchingTheirListsAndRenewsThruAf
   midi.sent.clear();
   form->RtrvPerf_Click();
   EXPECT_EQ(midi.sent.size(), 10u);
+}
+
+}  // namespace tessivo
+
+namespace tessivo {
+
+TEST(About, TheVersionIsTheBuildsAndTheSystemToolIsStartedOrMissedInOneBox) {
+  EXPECT_EQ(versionText(), "Version 1.2.0");
+  test::Events events;
+  test::ScriptedScreen screen{events};
+  std::vector<std::string> started;
+  auto start = [&](const std::string& tool) {
+    started.push_back(tool);
+    return true;
+  };
+  StartSysInfo(screen, [](const std::string&) { return false; }, start);
+  EXPECT_EQ(screen.texts(), std::vector<std::string>{"System Information Is Unavailable At This Time"});
+  EXPECT_TRUE(started.empty());
+  StartSysInfo(screen, [](const std::string& tool) { return tool == "gnome-system-monitor" || tool == "mate-system-monitor"; },
+               start);
+  EXPECT_EQ(started, std::vector<std::string>{"gnome-system-monitor"});
+  EXPECT_EQ(screen.boxes.size(), 1u);
+  EXPECT_TRUE(onPath("sh"));
+  EXPECT_FALSE(onPath("no-such-program-here"));
 }
 
 }  // namespace tessivo

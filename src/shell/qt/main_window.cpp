@@ -15,6 +15,7 @@
 
 #include "data/tables.h"
 #include "link/numtext.h"
+#include "shell/qt/about_window.h"
 #include "shell/qt/edit_tab.h"
 #include "shell/qt/effects_tab.h"
 #include "shell/qt/gestures.h"
@@ -272,6 +273,14 @@ void MainWindow::buildMenus() {
   arpOff_ = addEntry(midi, "ArpOff", "Arpeggiator Off", &MainForm::ArpOff_Click);
   trnsChnlAssgn_ = addEntry(midi, "TrnsChnlAssgn", "Trans Chnl Assigned by Audition", &MainForm::TrnsChnlAssgn_Click);
   for (QAction* action : {localOff_, arpOff_, trnsChnlAssgn_}) action->setCheckable(true);
+
+  QMenu* help = menuBar()->addMenu("Help");
+  help->setObjectName("Help");
+  QAction* about = help->addAction("About");
+  about->setObjectName("About");
+  connect(about, &QAction::triggered, this, [this] {
+    (new AboutWindow(app_, this))->show();  // modeless; it goes when it closes
+  });
 }
 
 QRadioButton* MainWindow::option(QWidget* frame, const char* name, const char* text, int top,
