@@ -6,6 +6,7 @@
 #include "data/multi_template.h"
 #include "data/tables.h"
 #include "files/file_io.h"
+#include "shell/debug_tools.h"
 #include "link/numtext.h"
 
 namespace tessivo {
@@ -244,6 +245,35 @@ void MainForm::CmdRtrvParm_Click() {
     if (!fieldByte(TxtParm[static_cast<std::size_t>(i)].text)) return;
   link_.List1.clear();
   link_.RtrvBlock(16, 0, 0);
+}
+
+void MainForm::showDebugRow(bool visible) {
+  List1Visible = visible;
+  for (TextCtl& field : TxtParm) field.visible = visible;
+  DebugButtonsVisible = visible;
+}
+
+void MainForm::LdSysEx_Click() {
+  FileDialog& dialog = files_.CommonDialog1;
+  dialog.flags = 4;
+  dialog.filter = "All Files (*.*)|*.*|Tessivo Files(*.tvx)|*.tvx|Sys-Ex Files (*.syx)|*.syx|Layer Pools (*.tvp)|*.tvp";
+  dialog.filterIndex = 1;
+  if (link_.screen().showOpen(dialog)) SySxTxtDump();
+}
+
+void MainForm::SySxTxtDump() {
+  FileDialog& dialog = files_.CommonDialog1;
+  std::vector<std::uint8_t> bytes(kSysExListingLimit);
+  const auto length = fileLength(dialog.fileName);
+  if (!length) return;
+  bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(*length, kSysExListingLimit)));
+  if (!readRecord(dialog.fileName, bytes)) return;
+  dialog.flags = 2;
+  dialog.filter = "All Multis (*.tvm)|*.tvm";
+  dialog.filterIndex = 1;
+  if (!link_.screen().showSave(dialog)) return;
+  const std::string text = sysExListing(bytes);
+  writeRecord(dialog.fileName, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
 }  // namespace tessivo

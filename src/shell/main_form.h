@@ -85,17 +85,24 @@ class MainForm {
   void CmdChngCntl_Click();
   void CmdChngParm_Click();
   void CmdRtrvParm_Click();
+  // Debug menu: the log and the manual fields on and off; a SysEx file listed as text.
+  void WinOn_Click() { showDebugRow(true); }
+  void WinOff_Click() { showDebugRow(false); }
+  void LdSysEx_Click();
+  void SySxTxtDump();
 
   PerfPanel panel;                // the Performance block
   ListCtl CmbMidNtNo, CmbMidVel;  // the test note and its velocity
   SliderCtl SldNt{60, 0, 127}, SldVel{0, 0, 127};
   bool List1Visible = true;
+  bool DebugButtonsVisible = false;  // CmdRtrvParm, CmdChngParm, CmdChngCntl
   LyrTemplate LyrTmpl;
 
  private:
   void fillStartLists();
   bool openPorts();
   bool startupWorkspace();
+  void showDebugRow(bool visible);
   void fillMultis();
 
   MidiLink& link_;

@@ -61,8 +61,9 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
     for (QAction* a : actions) {
       EXPECT_TRUE(a->shortcut().isEmpty()) << a->text().toStdString();
       EXPECT_FALSE(a->isChecked()) << a->text().toStdString();
-      entries << (a->menu() ? a->menu()->objectName() + "=" + a->text() + " [" + tree(a->menu()->actions()).join(", ") + "]"
-                            : a->objectName() + "=" + a->text() + (a->isEnabled() ? "" : " (off)"));
+      const QString off = a->isEnabled() ? "" : " (off)";
+      entries << (a->menu() ? a->menu()->objectName() + "=" + a->text() + off + " [" + tree(a->menu()->actions()).join(", ") + "]"
+                            : a->objectName() + "=" + a->text() + off);
     }
     return entries;
   };
@@ -83,7 +84,8 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
                          "Init=Initialize [InitMltall=All Multis, Mlt=Multi [" + multis("InitMlt") + "]]",
                          "mnuMidi=Midi [AllNtsOff=All Notes Off, LocalOff=Local Off, ArpOff=Arpeggiator Off, "
                          "TrnsChnlAssgn=Trans Chnl Assigned by Audition]",
-                         "Help=Help [About=About]"}));
+                         "Help=Help [About=About]",
+                         "DebugMenu=Debug (off) [WinOn=Window On, WinOff=Window Off, LdSysEx=Write sysex]"}));
 }
 
 TEST(MessageBoxes, OkIsTheDefaultSoEnterAnswers) {
@@ -168,7 +170,10 @@ TEST_F(Forms, EveryControlIsFoundFromOutsideByCaptionNameOrLabel) {
                            {R::RadioButton, "Bank1", "OptBank1"},   {R::RadioButton, "Bank2", "OptBank2"},
                            {R::PushButton, text(PrfNames1[0]), "CmdPrfm"}, {R::Slider, "SldNt", "SldNt"},
                            {R::Slider, "SldVel", "SldVel"},         {R::List, "LbxLyrPool", "LbxLyrPool"},
-                           {R::PushButton, "Clear", "CmdClrLyrPool"}, {R::Client, "SSTab1", "SSTab1"}, {R::Client, "SSTab2", "SSTab2"}};
+                           {R::PushButton, "Clear", "CmdClrLyrPool"}, {R::Client, "SSTab1", "SSTab1"}, {R::Client, "SSTab2", "SSTab2"},
+                           {R::List, "List1", "List1"}, {R::PushButton, "RtrvParm", "CmdRtrvParm"},
+                           {R::PushButton, "ChngParm", "CmdChngParm"}, {R::PushButton, "ChngCntl", "CmdChngCntl"}};
+  for (int i = 0; i < 5; ++i) mainControls.emplace_back(R::EditableText, QString("TxtParm_%1").arg(i), QString("TxtParm_%1").arg(i));
   for (int n = 1; n <= 4; ++n) {
     mainControls.emplace_back(R::PushButton, QString("Layer%1").arg(n), QString("CmdLyr%1").arg(n));
     mainControls.emplace_back(R::EditableText, QString("TxtLyr%1").arg(n), QString("TxtLyr%1").arg(n));

@@ -230,6 +230,13 @@ class MainFormWiring : public QtProgram {
       s[name(r.textBox)] = at<QLineEdit>(name(r.textBox))->text();
     }
     s["ChkEffByPass"] = onOff(at<QCheckBox>("ChkEffByPass")->isChecked());
+    // The debug row.
+    s["List1"] = onOff(at("List1")->isVisible()) + QString(" %1").arg(at<QListWidget>("List1")->count());
+    for (int i = 0; i < 5; ++i) {
+      auto* field = at<QLineEdit>(QString("TxtParm_%1").arg(i));
+      s[field->objectName()] = field->text() + (field->isVisible() ? "" : " hidden");
+    }
+    s["debugButtons"] = onOff(at("CmdChngParm")->isVisible());
     // What the file menus wrote.
     QStringList written;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path))
@@ -265,6 +272,7 @@ int allLayersOn() {
 TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   // Before the table: the edit panel opened on M5 and closed again (its controls hold M5's
   // values), and one entry in the Layer Pool, record 0, from Layer 1 of the start.
+  main->setDeveloperEntries(true);  // the Debug menu and the Sys-Ex export, switched off for a musician
   at<QAction>("EditMult5")->trigger();
   at<QPushButton>("CmdDone1")->click();
   const QString firstEntry = at<QLineEdit>("TxtLyr1")->text();
@@ -584,8 +592,7 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   rows.push_back({"SvPerform", inDialog("all.tvx", entryOf("SvPerform")), reread, {{"files", wrote("all.tvx", "456")}}});
   rows.push_back({"SvMultAll", inDialog("all.tvm", entryOf("SvMultAll")), {}, {{"files", wrote("all.tvm", "2496")}}});
   rows.push_back({"SvSetupMid", inDialog("all.mid", entryOf("SvSetupMid")), reread, {{"files", wrote("all.mid", "2691")}}});
-  // The Sys-Ex export is switched off: its entry does nothing.
-  rows.push_back({"SvSetupSyx", entryOf("SvSetupSyx"), {}, {}});
+  rows.push_back({"SvSetupSyx", inDialog("all.syx", entryOf("SvSetupSyx")), reread, {{"files", wrote("all.syx", "2760")}}});
   rows.push_back({"SvWrkSpaceText", inDialog("all.txt", entryOf("SvWrkSpaceText")), reread, {{"files", wrote("all.txt", "text")}}});
   for (int m = 5; m <= 16; ++m) {
     const QString entry = QString("SvMult%1").arg(m), file = QString("m%1.tvs").arg(m);
@@ -604,6 +611,34 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   rows.push_back({"LdLayerPool", inDialog("pool.tvp", entryOf("LdLayerPool")), {},
                   {{"LbxLyrPool", poolSaved.join(" | ") + " @-1"}}});
   rows.push_back({"LdWrkSpace", inDialog("all.tvw", entryOf("LdWrkSpace")), setupSent, {{"LbxLyrPool", " @-1"}}});
+
+  // ---- The debug tools: the log and the manual fields, and a file listed as text.
+  // The log shows what the last read left in it: DspPerf's 378 bytes.
+  State shown{{"List1", "on 378"}, {"debugButtons", "on"}};
+  for (int i = 0; i < 5; ++i) shown[QString("TxtParm_%1").arg(i)] = i == 0 ? "76" : "0";
+  rows.push_back({"WinOn", entryOf("WinOn"), {}, shown});
+  rows.push_back({"TxtParm_0", typed("TxtParm_0", "76"), {}, {}});
+  rows.push_back({"TxtParm_1", typed("TxtParm_1", "8"), {}, {{"TxtParm_1", "8"}}});
+  rows.push_back({"TxtParm_2", typed("TxtParm_2", "6"), {}, {{"TxtParm_2", "6"}}});
+  rows.push_back({"TxtParm_3", typed("TxtParm_3", "11"), {}, {{"TxtParm_3", "11"}}});
+  rows.push_back({"TxtParm_4", typed("TxtParm_4", "90"), {}, {{"TxtParm_4", "90"}}});
+  rows.push_back({"CmdChngParm", clicked("CmdChngParm"), {"F0 43 10 4C 08 06 0B 5A F7"}, {}});
+  rows.push_back({"CmdChngCntl", clicked("CmdChngCntl"), {"B8 06 0B"}, {}});
+  rows.push_back({"CmdRtrvParm", clicked("CmdRtrvParm"), {"F0 43 30 4C 08 06 0B F7"}, {{"List1", "on 9"}}});
+  rows.push_back({"List1", entryOf("RtrvPerf"), reread, {{"List1", "on 378"}}});
+  rows.push_back({"LdSysEx",
+                  [&] {
+                    inDialog("all.syx", [] {})();
+                    inDialog("all.syx.txt", entryOf("LdSysEx"))();
+                  },
+                  {}, {{"files", wrote("all.syx.txt", "text")}}});
+  rows.push_back({"WinOff", entryOf("WinOff"), {}, [&] {
+                    State hidden{{"List1", "off 378"}, {"debugButtons", "off"}};
+                    for (const auto& [field, text] : std::vector<std::pair<QString, QString>>{
+                             {"TxtParm_0", "76"}, {"TxtParm_1", "8"}, {"TxtParm_2", "6"}, {"TxtParm_3", "11"}, {"TxtParm_4", "90"}})
+                      hidden[field] = text + " hidden";
+                    return hidden;
+                  }()});
 
   rows.push_back({"About", [&] {
                     at<QAction>("About")->trigger();

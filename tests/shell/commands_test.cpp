@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/about.h"
+#include "shell/debug_tools.h"
 #include "support/scripted.h"
 
 namespace tessivo {
@@ -126,6 +127,25 @@ TEST(About, TheVersionIsTheBuildsAndTheSystemToolIsStartedOrMissedInOneBox) {
   EXPECT_EQ(screen.boxes.size(), 1u);
   EXPECT_TRUE(onPath("sh"));
   EXPECT_FALSE(onPath("no-such-program-here"));
+}
+
+}  // namespace tessivo
+
+namespace tessivo {
+
+TEST(SysExListing, EachByteAQuotedLineAndABlankLineBehindEveryF7) {
+  const Bytes bytes{0xF0, 0x43, 0x20, 0x22, 0xF7};
+  const std::string text = sysExListing(bytes);
+  const std::string expected = std::string("\"Sys Ex    0   0    240  F0  \xF0\"\r\n") +
+                               "\"Sys Ex    1   1    67  43  C\"\r\n" + "\"Sys Ex    2   2    32  20   \"\r\n" +
+                               "\"Sys Ex    3   3    34  22  \"\"\r\n" + "\"Sys Ex    4   4    247  F7  \xF7\"\r\n" + "\" \"\r\n";
+  EXPECT_EQ(text, expected);
+  EXPECT_EQ(sysExListing({}), "");
+  // A source longer than the limit is listed up to it.
+  const Bytes big(kSysExListingLimit + 10, 0x41);
+  const std::string listed = sysExListing(big);
+  EXPECT_NE(listed.find("\"Sys Ex    A410   42000    65  41  A\"\r\n"), std::string::npos);
+  EXPECT_EQ(listed.find("42001    65"), std::string::npos);
 }
 
 }  // namespace tessivo

@@ -98,6 +98,7 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   buildTestNote(central);
   buildPool(central);
   buildMultiRows(central);
+  buildDebugRow(central);
   editTab_ = new EditTab(form_.edit(), [this] { handled(); }, central);
   // The panel stands right of the Multi rows, whose lists and caption a wide font widens; the
   // form grows to the right just as far as the panel then reaches.
@@ -179,6 +180,42 @@ void MainWindow::addMultiEntries(QMenu* menu, const char* prefix, const std::fun
   }
 }
 
+void MainWindow::setDeveloperEntries(bool on) {
+  debugMenu_->menuAction()->setEnabled(on);
+  debugMenu_->setEnabled(on);
+  svSetupSyx_->setEnabled(on);
+}
+
+void MainWindow::buildDebugRow(QWidget* central) {
+  // The log of received bytes and the manual fields, hidden until Debug, Window On.
+  list1_ = new QListWidget(central);
+  uncaptioned(list1_, "List1");
+  place(list1_, 360, 360, 5295, 1230);
+  QFont small = font();
+  small.setPixelSize(9);
+  for (std::size_t i = 0; i < txtParm_.size(); ++i) {
+    auto* field = new QLineEdit(central);
+    uncaptioned(field, QString("TxtParm_%1").arg(i));
+    field->setFont(small);
+    place(field, 360 + 600 * static_cast<int>(i), 120, 555, 255);
+    connect(field, &QLineEdit::textEdited, this, [this, i](const QString& text) { form_.TxtParm[i].text = text.toStdString(); });
+    txtParm_[i] = field;
+  }
+  const std::array<std::pair<const char*, void (MainForm::*)()>, 3> buttons{
+      {{"CmdRtrvParm", &MainForm::CmdRtrvParm_Click}, {"CmdChngParm", &MainForm::CmdChngParm_Click}, {"CmdChngCntl", &MainForm::CmdChngCntl_Click}}};
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    auto* button = new QPushButton(QString(buttons[i].first).mid(3), central);
+    button->setObjectName(buttons[i].first);
+    button->setFont(small);
+    place(button, 3360 + 840 * static_cast<int>(i), 120, 795, 255);
+    connect(button, &QPushButton::clicked, this, [this, handler = buttons[i].second] {
+      (form_.*handler)();
+      handled();
+    });
+    debugButtons_[i] = button;
+  }
+}
+
 void MainWindow::buildMenus() {
   QMenu* file = menuBar()->addMenu("File");
   file->setObjectName("FileMenu");
@@ -242,7 +279,7 @@ void MainWindow::buildMenus() {
   setup->setObjectName("SvfullSetup");
   fileEntry(setup, "SvSetuptvf", "as .tvf", &Files::SvSetuptvf_Click);
   fileEntry(setup, "SvSetupSyx", "as Sys-Ex", &Files::SvSetupSyx_Click);
-  setup->actions().back()->setEnabled(false);  // switched off: the writer stands ready behind it
+  svSetupSyx_ = setup->actions().back();
   fileEntry(setup, "SvSetupMid", "as Midi type 0", &Files::SvSetupMid_Click);
   fileEntry(save, "SvLayerPool", "Layer Pool", &Files::SvLayerPool_Click);
   fileEntry(save, "SvPerform", "Performance", &Files::SvPerform_Click);
@@ -281,6 +318,17 @@ void MainWindow::buildMenus() {
   connect(about, &QAction::triggered, this, [this] {
     (new AboutWindow(app_, this))->show();  // modeless; it goes when it closes
   });
+
+  debugMenu_ = menuBar()->addMenu("Debug");
+  debugMenu_->setObjectName("DebugMenu");
+  addEntry(debugMenu_, "WinOn", "Window On", &MainForm::WinOn_Click);
+  addEntry(debugMenu_, "WinOff", "Window Off", &MainForm::WinOff_Click);
+  addEntry(debugMenu_, "LdSysEx", "Write sysex", &MainForm::LdSysEx_Click);
+#ifdef TESSIVO_DEVELOPER_MENUS
+  setDeveloperEntries(true);
+#else
+  setDeveloperEntries(false);
+#endif
 }
 
 QRadioButton* MainWindow::option(QWidget* frame, const char* name, const char* text, int top,
@@ -547,6 +595,15 @@ void MainWindow::render() {
   LayerPool& pool = form_.pool();
   renderListBox(lbxLyrPool_, pool.LbxLyrPool);
   renderButton(cmdClrLyrPool_, pool.CmdClrLyrPool);
+
+  list1_->setVisible(form_.List1Visible);
+  const std::vector<std::string>& log = app_.logic().link().List1;
+  if (form_.List1Visible && list1_->count() != static_cast<int>(log.size())) {
+    list1_->clear();
+    for (const std::string& line : log) list1_->addItem(QString::fromStdString(line));
+  }
+  for (std::size_t i = 0; i < txtParm_.size(); ++i) renderText(txtParm_[i], form_.TxtParm[i]);
+  for (QPushButton* button : debugButtons_) button->setVisible(form_.DebugButtonsVisible);
 
   editTab_->render();
   effectsTab_->render();

@@ -29,6 +29,9 @@ class MainWindow : public QMainWindow {
  public:
   MainWindow(MainForm& form, QtApp& app);
   void render();  // the widgets take the state of the form's controls
+  // The Debug menu and the Sys-Ex export, switched off for a musician; a developer's build
+  // (TESSIVO_DEVELOPER_MENUS) and the tests switch them on.
+  void setDeveloperEntries(bool on);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -40,6 +43,7 @@ class MainWindow : public QMainWindow {
   void buildTestNote(QWidget* central);
   void buildPool(QWidget* central);
   void buildMultiRows(QWidget* central);
+  void buildDebugRow(QWidget* central);
   void acceptDrops();
   // The name of the control at `pos` of `receiver`; the form's own name where no control is.
   QString dropTarget(QWidget* receiver, QPoint pos) const;
@@ -77,6 +81,11 @@ class MainWindow : public QMainWindow {
   QAction* localOff_ = nullptr;
   QAction* arpOff_ = nullptr;
   QAction* trnsChnlAssgn_ = nullptr;
+  QMenu* debugMenu_ = nullptr;
+  QAction* svSetupSyx_ = nullptr;
+  QListWidget* list1_ = nullptr;
+  std::array<QLineEdit*, 5> txtParm_{};
+  std::array<QPushButton*, 3> debugButtons_{};
 };
 
 }  // namespace tessivo::qt
