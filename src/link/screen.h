@@ -12,7 +12,7 @@ enum class MsgButtons { Ok, OkCancel, YesNo };
 enum class MsgIcon { None, Question, Exclamation, Information, Critical };
 enum class MsgAnswer { Ok, Cancel, Yes, No };
 
-enum class FormId { Pref, Splash, Main };
+enum class FormId { Pref, Splash, Main, LoadAid };
 
 // The file dialog's settings and, after it, the chosen file.
 struct FileDialog {

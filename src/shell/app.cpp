@@ -59,6 +59,7 @@ void App::Terminate() {
   screen_.startTimer(0);
   screen_.unloadForm(FormId::Splash);
   screen_.unloadForm(FormId::Pref);
+  screen_.unloadForm(FormId::LoadAid);
   if (main_) screen_.unloadForm(FormId::Main);
   finished_ = true;
 }
@@ -66,6 +67,7 @@ void App::Terminate() {
 bool App::ExitRequested() {
   if (!main_ || main_->Form_Unload()) return false;
   screen_.unloadForm(FormId::Pref);
+  screen_.unloadForm(FormId::LoadAid);
   screen_.unloadForm(FormId::Main);
   finished_ = true;
   return true;

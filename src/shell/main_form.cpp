@@ -247,6 +247,16 @@ void MainForm::CmdRtrvParm_Click() {
   link_.RtrvBlock(16, 0, 0);
 }
 
+void MainForm::LdAidSub_Click() {
+  effects_.visible = false;
+  edit_.visible = false;
+  if (!loadAid_.loaded) {
+    const char* home = std::getenv("HOME");
+    loadAid_.Form_Load(home ? home : "/");
+  }
+  link_.screen().showForm(FormId::LoadAid);
+}
+
 void MainForm::showDebugRow(bool visible) {
   List1Visible = visible;
   for (TextCtl& field : TxtParm) field.visible = visible;

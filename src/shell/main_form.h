@@ -15,6 +15,7 @@
 #include "edit/edit_panel.h"
 #include "edit/effects_panel.h"
 #include "files/files.h"
+#include "files/load_aid.h"
 #include "pool/layer_pool.h"
 #include "pool/multis.h"
 #include "shell/pref_form.h"
@@ -42,6 +43,7 @@ class MainForm {
   EditPanel& edit() { return edit_; }
   EffectsPanel& effects() { return effects_; }
   Files& files() { return files_; }
+  LoadAid& loadAid() { return loadAid_; }
   Images& images() { return images_; }
   Performance& performance() { return perf_; }
   LayerPool& pool() { return pool_; }
@@ -90,6 +92,8 @@ class MainForm {
   void WinOff_Click() { showDebugRow(false); }
   void LdSysEx_Click();
   void SySxTxtDump();
+  // Load, Load Aid: both panels hide and the Load Aid shows.
+  void LdAidSub_Click();
 
   PerfPanel panel;                // the Performance block
   ListCtl CmbMidNtNo, CmbMidVel;  // the test note and its velocity
@@ -115,6 +119,7 @@ class MainForm {
   EffectsPanel effects_;
   Multis multis_;
   Files files_;
+  LoadAid loadAid_{files_};
   bool portsClosed_ = false;
 };
 

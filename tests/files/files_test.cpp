@@ -377,3 +377,55 @@ TEST_F(FileTypes, AtStartTheChosenWorkspaceFillsTheMultisInsteadOfTheBoxes) {
 }
 
 }  // namespace tessivo
+
+namespace tessivo {
+
+// The Load Aid walks a folder: the five types, the matching names, one click a load by the
+// reader of the pattern, whatever the file is called.
+TEST_F(FileTypes, TheLoadAidLoadsAClickedFileByTheReaderOfItsPattern) {
+  const fs::path folder = fs::path(a.path + ".d");
+  fs::create_directories(folder / "sub");
+  saveAs(&Files::SvPerform_Click, (folder / "one.tvx").string());
+  saveAs(&Files::SvWrkSpace_Click, (folder / "two.tvw").string());
+  writeAll((folder / "short.tvw").string(), Bytes(100, 0));
+  LoadAid& aid = form->loadAid();
+  form->edit().EditMult_Click(6);
+  form->LdAidSub_Click();
+  EXPECT_FALSE(form->edit().visible);
+  aid.Form_Load(folder.string());
+  EXPECT_EQ(aid.cmbLdAid.items.size(), 5u);
+  EXPECT_EQ(aid.cmbLdAid.index(), -1);
+  EXPECT_EQ(aid.cmbText, "Workspace     |*.tvw");
+  EXPECT_EQ(aid.files, (Texts{"short.tvw", "two.tvw"}));
+  EXPECT_EQ(aid.folders, (Texts{"..", "sub"}));
+  // Untouched, the list loads as a Workspace; twice clicked, twice sent.
+  for (int i = 0; i < 2; ++i) {
+    cs2x.clearLog();
+    aid.flLdAid_Click("two.tvw");
+    EXPECT_EQ(BuiltIn::wire().size(), 68u) << i;
+  }
+  // Another type shows other names and loads nothing by itself.
+  cs2x.clearLog();
+  aid.cmbLdAid.pick(2);
+  EXPECT_EQ(aid.pattern, "*.tvx");
+  EXPECT_EQ(aid.files, Texts{"one.tvx"});
+  EXPECT_TRUE(BuiltIn::wire().empty());
+  aid.flLdAid_Click("one.tvx");
+  EXPECT_EQ(BuiltIn::wire().size(), 8u);
+  // A wrong length has its type's message and dialog; a pattern of no type does nothing.
+  screen.boxes.clear();
+  aid.LdAid("*.tvw", (folder / "short.tvw").string());
+  ASSERT_EQ(screen.boxes.size(), 1u);
+  EXPECT_EQ(screen.boxes[0].text.substr(screen.boxes[0].text.size() - 4), ".tvw");
+  cs2x.clearLog();
+  aid.LdAid("*.tvs", (folder / "one.tvx").string());
+  EXPECT_TRUE(BuiltIn::wire().empty());
+  // Into a folder and back.
+  aid.dirLdAid_Change("sub");
+  EXPECT_TRUE(aid.files.empty());
+  aid.dirLdAid_Change("..");
+  EXPECT_EQ(aid.files, Texts{"one.tvx"});
+  fs::remove_all(folder);
+}
+
+}  // namespace tessivo

@@ -77,7 +77,7 @@ TEST_F(Forms, TheMenusStandInTheirOrderWithoutShortcutsOrCheckMarks) {
                          "EditMenu=Edit [EditEffcts=Effects, EditMulti=Multi [" + multis("EditMult") + "]]",
                          "Retrv=Retrieve [RtrvPerf=Performance, RtrvAllMulti=All Multis, RtrvMult=Multi [" + multis("RtrvMulti") + "]]",
                          "load=Load [LdWrkSpace=Workspace, LdFullSetup=Setup, LdLayerPool=Layer Pool, LdPerform=Performance, "
-                         "LdMultAll=All Multis, Mltsel=Multi [" + multis("LdMult") + "]]",
+                         "LdMultAll=All Multis, Mltsel=Multi [" + multis("LdMult") + "], LdAidSub=Load Aid]",
                          "Save=Save [SvWrkSpace=Workspace, SvfullSetup=Setup [SvSetuptvf=as .tvf, SvSetupSyx=as Sys-Ex (off), "
                          "SvSetupMid=as Midi type 0], SvLayerPool=Layer Pool, SvPerform=Performance, SvMultAll=All Multis, "
                          "Mlts=Multi [" + multis("SvMult") + "], SvWrkSpaceText=Workspace Desc Text]",

@@ -640,6 +640,18 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
                     return hidden;
                   }()});
 
+  // The Load Aid beside the main form; Done hides it.
+  rows.push_back({"LdAidSub",
+                  [&] {
+                    at<QAction>("LdAidSub")->trigger();
+                    QWidget* aid = app.form(FormId::LoadAid);
+                    ASSERT_NE(aid, nullptr);
+                    EXPECT_TRUE(aid->isVisible());
+                    EXPECT_EQ(aid->windowTitle(), "CS2x Load Aid");
+                    child<QPushButton>(aid, "cmdLdAid")->click();
+                    EXPECT_FALSE(aid->isVisible());
+                  },
+                  {}, {}});
   rows.push_back({"About", [&] {
                     at<QAction>("About")->trigger();
                     main->findChild<QDialog*>("frmAbout")->close();

@@ -154,7 +154,7 @@ TEST_F(Startup, ExitAsksAndOnOkClosesThePortsInOrder) {
   events.clear();
   EXPECT_TRUE(app.ExitRequested());
   EXPECT_EQ(events, (Events{"box Do you really want to exit program?", "midiDisconnect", "midiInStop", "midiInClose",
-                            "midiOutReset", "midiOutClose", "unload frmPref", "unload CS2x"}));
+                            "midiOutReset", "midiOutClose", "unload frmPref", "unload frmLoadAid", "unload CS2x"}));
   EXPECT_TRUE(app.finished());
   EXPECT_EQ(midi.sent.size(), sentBefore);  // no All Notes Off at exit
 }
@@ -166,7 +166,7 @@ TEST_F(Startup, ASignalClosesThePortsInTheExitsOrderWithoutQuestionOrBoxAndOnlyO
   midi.failOnce("midiOutReset", MMSYSERR_ERROR);  // nobody may be there to answer its box
   app.Terminate();
   EXPECT_EQ(events, (Events{"midiDisconnect", "midiInStop", "midiInClose", "midiOutReset", "midiOutClose", "timer 0",
-                            "unload frmSplash", "unload frmPref", "unload CS2x"}));
+                            "unload frmSplash", "unload frmPref", "unload frmLoadAid", "unload CS2x"}));
   EXPECT_TRUE(app.finished());
   EXPECT_EQ(midi.sent.size(), sentBefore);
   // The exit question still open when the signal came: its answer closes nothing twice.

@@ -196,7 +196,10 @@ MsgAnswer ScriptedScreen::messageBox(const std::string& text, const std::string&
 }
 
 void ScriptedScreen::log(const char* what, FormId form) {
-  const char* name = form == FormId::Pref ? "frmPref" : form == FormId::Splash ? "frmSplash" : "CS2x";
+  const char* name = form == FormId::Pref      ? "frmPref"
+                     : form == FormId::Splash  ? "frmSplash"
+                     : form == FormId::LoadAid ? "frmLoadAid"
+                                               : "CS2x";
   events_.push_back(what + std::string(name));
 }
 

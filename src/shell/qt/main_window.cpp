@@ -271,6 +271,7 @@ void MainWindow::buildMenus() {
   QMenu* loadMulti = load->addMenu("Multi");
   loadMulti->setObjectName("Mltsel");
   addMultiEntries(loadMulti, "LdMult", [&files](int m) { files.LdMultDlg(m - 1); });
+  addEntry(load, "LdAidSub", "Load Aid", &MainForm::LdAidSub_Click);
 
   QMenu* save = menuBar()->addMenu("Save");
   save->setObjectName("Save");

@@ -80,6 +80,7 @@ QWidget* QtApp::form(FormId id) const {
     case FormId::Pref: return pref_;
     case FormId::Splash: return splash_;
     case FormId::Main: return main_;
+    case FormId::LoadAid: return loadAid_;
   }
   return nullptr;
 }
@@ -103,6 +104,17 @@ void QtApp::createForm(FormId id) {
     case FormId::Main:
       if (app_.mainForm()) main_ = new MainWindow(*app_.mainForm(), *this);
       break;
+    case FormId::LoadAid:
+      if (app_.mainForm() && main_) {
+        loadAid_ = new LoadAidWindow(app_.mainForm()->loadAid(), [this] {
+          if (main_) main_->render();
+          if (loadAid_) loadAid_->render();
+          afterHandler();
+        }, main_);
+        // Beside the main form: 8200 twips right of its left edge and 1300 below its top.
+        loadAid_->move(main_->geometry().topLeft() + QPoint(8200 / 15, 1300 / 15));
+      }
+      break;
   }
 }
 
@@ -110,6 +122,7 @@ void QtApp::showForm(FormId id) {
   createForm(id);
   if (id == FormId::Main && main_) main_->render();
   if (id == FormId::Pref && pref_) pref_->render();
+  if (id == FormId::LoadAid && loadAid_) loadAid_->render();
   if (QWidget* w = form(id)) {
     w->show();
     w->raise();
@@ -130,6 +143,7 @@ void QtApp::unloadForm(FormId id) {
     case FormId::Pref: pref_ = nullptr; break;
     case FormId::Splash: splash_ = nullptr; break;
     case FormId::Main: main_ = nullptr; break;
+    case FormId::LoadAid: loadAid_ = nullptr; break;
   }
 }
 

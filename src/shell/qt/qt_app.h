@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "shell/app.h"
+#include "shell/qt/load_aid_window.h"
 #include "shell/qt/main_window.h"
 #include "shell/qt/pref_window.h"
 #include "shell/qt/splash_window.h"
@@ -61,6 +62,7 @@ class QtApp : public QObject, public Screen {
   QPointer<PrefWindow> pref_;
   QPointer<SplashWindow> splash_;
   QPointer<MainWindow> main_;
+  QPointer<LoadAidWindow> loadAid_;
   QTimer timer1_;
   int busy_ = 0;
 };
