@@ -52,7 +52,9 @@ LoadAidWindow::LoadAidWindow(LoadAid& aid, std::function<void()> handled, QWidge
   grid->addWidget(cmbLdAid_, 1, 0, 1, 2);
   grid->addWidget(labelFor(this, "Drive", drvLdAid_), 2, 0);
   grid->addWidget(drvLdAid_, 3, 0);
-  grid->addWidget(labelFor(this, "Folder", dirLdAid_), 4, 0);
+  folderLabel_ = labelFor(this, "Folder", dirLdAid_);
+  folderLabel_->setObjectName("lblFolder");
+  grid->addWidget(folderLabel_, 4, 0, 1, 2);
   grid->addWidget(dirLdAid_, 5, 0);
   grid->addWidget(labelFor(this, "Files", flLdAid_), 2, 1);
   grid->addWidget(flLdAid_, 3, 1, 3, 1);
@@ -98,7 +100,10 @@ void LoadAidWindow::render() {
     for (const std::string& d : aid_.drives) drvLdAid_->addItem(QString::fromStdString(d));
     drvLdAid_->setCurrentText(QString::fromStdString(aid_.drive));
   }
-  dirLdAid_->setToolTip(QString::fromStdString(aid_.folder));
+  // Where the lists stand: the folder's whole path, elided in its middle where it is long.
+  const QString folder = QString::fromStdString(aid_.folder);
+  folderLabel_->setText("Folder: " + folderLabel_->fontMetrics().elidedText(folder, Qt::ElideMiddle, width() - 80));
+  folderLabel_->setToolTip(folder);
   renderItems(dirLdAid_, aid_.folders);
   renderItems(flLdAid_, aid_.files);
 }

@@ -8,6 +8,7 @@
 #include "files/load_aid.h"
 
 class QComboBox;
+class QLabel;
 class QListWidget;
 class QPushButton;
 
@@ -27,6 +28,7 @@ class LoadAidWindow : public QWidget {
   QListWidget* dirLdAid_ = nullptr;
   QListWidget* flLdAid_ = nullptr;
   QPushButton* cmdLdAid_ = nullptr;
+  QLabel* folderLabel_ = nullptr;
 };
 
 }  // namespace tessivo::qt
