@@ -490,5 +490,46 @@ TEST_F(Forms, AboutShowsTitleVersionAndNoticesAndClosesWithEscape) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return main->findChild<QWidget*>("frmAbout") == nullptr; }, 2000));
 }
 
+// The main form as laid out, in twips: each control at its place and at least its size. Those
+// that a Linux desktop's font widens keep their left and top (the README names them); the
+// program list, the option frames and the two panels move, and are checked by their own tests.
+TEST_F(Forms, TheMainFormsControlsStandWhereTheLayoutPutsThem) {
+  MainWindow* main = startMainForm();
+  ASSERT_NE(main, nullptr);
+  struct Place {
+    QString name;
+    int left, top, width, height;
+  };
+  std::vector<Place> places{{"LbxLyrPool", 3960, 3720, 1815, 3375}, {"CmdClrLyrPool", 4080, 7200, 1575, 255},
+                            {"CmdPrfm", 1800, 4440, 975, 375},      {"CmbMidNtNo", 360, 5160, 735, 315},
+                            {"SldNt", 600, 5520, 255, 1935},        {"SldVel", 1320, 5520, 255, 1935},
+                            {"List1", 360, 360, 5295, 1230}};
+  for (int i = 0; i < 12; ++i) {
+    places.push_back({QString("CmdMult%1").arg(i + 5), 5880, 1560 + 480 * i, 1455, 375});
+    places.push_back({QString("CmbMult%1").arg(i + 5), 7395, 1560 + 480 * i, 585, 315});
+  }
+  for (int i = 0; i < 4; ++i) {
+    places.push_back({QString("CmdLyr%1").arg(i + 1), 1920, 5040 + 480 * i, 735, 375});
+    places.push_back({QString("TxtLyr%1").arg(i + 1), 2760, 5160 + 480 * i, 975, 285});
+  }
+  for (const Place& p : places) {
+    const QRect at = child<QWidget>(main, p.name)->geometry();
+    EXPECT_EQ(at.topLeft(), QPoint(p.left / 15, p.top / 15)) << p.name.toStdString();
+    EXPECT_GE(at.width(), p.width / 15) << p.name.toStdString();
+    EXPECT_EQ(at.height(), p.height / 15) << p.name.toStdString();
+  }
+  QWidget* client = child<QWidget>(main, "CS2xClient");
+  EXPECT_EQ(client->height(), 7740 / 15);
+  EXPECT_GE(client->width(), 11085 / 15);
+  // Hidden at start: both panels, the log and the manual fields.
+  for (const char* hidden : {"SSTab1", "SSTab2", "List1", "TxtParm_0", "CmdChngParm"})
+    EXPECT_FALSE(child<QWidget>(main, hidden)->isVisible()) << hidden;
+  // The tool tips word for word.
+  EXPECT_EQ(child<QWidget>(main, "CmdMult9")->toolTip(),
+            "Click on Button to audition sound (all multi currently assigned to this channel will play) or drag multi back to layer pool.");
+  EXPECT_EQ(child<QWidget>(main, "LbxLyrPool")->toolTip(), "Drag and drop a layer onto one of the Multi Part buttons.");
+  EXPECT_EQ(child<QWidget>(main, "CmbPrgm")->toolTip(), "Click to choose a different Performance.");
+}
+
 }  // namespace
 }  // namespace tessivo::qt

@@ -8,7 +8,9 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTimer>
+#include <QLinearGradient>
 #include <QPainter>
+#include <QPen>
 #include <QPainterPath>
 #include <QWidget>
 
@@ -23,6 +25,21 @@ QMimeData* sourceMimeData(const QString& sourceName) {
 QString sourceName(const QMimeData* data) {
   if (data == nullptr || !data->hasFormat(kSourceMimeType)) return {};
   return QString::fromUtf8(data->data(kSourceMimeType));
+}
+
+QPixmap backgroundPicture(QSize size) {
+  QPixmap pixmap(size);
+  QPainter p(&pixmap);
+  QLinearGradient sky(0, 0, 0, size.height());
+  sky.setColorAt(0, QColor(236, 239, 244));
+  sky.setColorAt(1, QColor(214, 221, 232));
+  p.fillRect(pixmap.rect(), sky);
+  // Five faint lines of a staff across the upper part, where no control stands.
+  p.setRenderHint(QPainter::Antialiasing);
+  p.setPen(QPen(QColor(190, 199, 214), 1));
+  const int top = size.height() / 10;
+  for (int i = 0; i < 5; ++i) p.drawLine(0, top + i * 7, size.width(), top + i * 7);
+  return pixmap;
 }
 
 QPixmap dragPixmap() {

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPixmap>
 #include <QPoint>
+#include <QSize>
 #include <QString>
 #include <functional>
 
@@ -22,6 +23,8 @@ QMimeData* sourceMimeData(const QString& sourceName);
 QString sourceName(const QMimeData* data);  // "" for another program's drag
 // The picture under the pointer while a control is dragged: a small card with a note.
 QPixmap dragPixmap();
+// The main form's background: a quiet gradient with a faint staff across it, drawn for `size`.
+QPixmap backgroundPicture(QSize size);
 
 // A press by any mouse button on a widget and the release that ends it. The events go on to
 // the widget, so a button still shows itself pressed. A disabled widget reports nothing.

@@ -112,6 +112,11 @@ MainWindow::MainWindow(MainForm& form, QtApp& app) : form_(form), app_(app) {
   effectsTab_ = new EffectsTab(form_.effects(), form_.edit(), [this] { handled(); }, central);
   if (effectsTab_->geometry().right() + kGap >= cmdMult_[0]->x())
     effectsTab_->move(std::max(0, cmdMult_[0]->x() - kGap - effectsTab_->width()), effectsTab_->y());
+  // The picture behind the controls, drawn for the form's final size.
+  QPalette palette = central->palette();
+  palette.setBrush(QPalette::Window, QBrush(backgroundPicture(central->size())));
+  central->setPalette(palette);
+  central->setAutoFillBackground(true);
   acceptDrops();
   render();
 }
