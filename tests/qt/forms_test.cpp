@@ -531,5 +531,19 @@ TEST_F(Forms, TheMainFormsControlsStandWhereTheLayoutPutsThem) {
   EXPECT_EQ(child<QWidget>(main, "CmbPrgm")->toolTip(), "Click to choose a different Performance.");
 }
 
+TEST_F(Forms, ThePreferencesAndTheSplashHaveTheirLaidOutSizes) {
+  app.start();
+  PrefWindow* pref = app.prefWindow();
+  EXPECT_EQ(pref->height(), 2655 / 15);
+  EXPECT_GE(pref->width(), 7425 / 15);  // wider where a device name needs it
+  child<QPushButton>(pref, "OKButton")->click();
+  QWidget* splash = app.form(FormId::Splash);
+  ASSERT_NE(splash, nullptr);
+  EXPECT_EQ(child<QLabel>(splash, "Picture1")->size(), QSize(415, 121));
+  EXPECT_EQ(child<QLabel>(splash, "Picture1")->pixmap().size(), QSize(415, 121));
+  EXPECT_EQ(child<QLabel>(splash, "lblCompanyProduct")->font().pointSizeF(), 18);
+  EXPECT_TRUE(child<QLabel>(splash, "lblCompanyProduct")->font().bold());
+}
+
 }  // namespace
 }  // namespace tessivo::qt
