@@ -1,6 +1,8 @@
 #include "shell/qt/splash_window.h"
 
 #include <QFrame>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
@@ -45,6 +47,8 @@ SplashWindow::SplashWindow() : QWidget(nullptr, Qt::SplashScreen | Qt::Frameless
   setWindowTitle("Tessivo");
   setFixedSize(px(7320), px(4290));
   setAttribute(Qt::WA_TransparentForMouseEvents);
+  // In the middle of the screen, where the preferences stood.
+  if (const QScreen* screen = QGuiApplication::primaryScreen()) move(screen->availableGeometry().center() - rect().center());
 
   auto* frame = new QFrame(this);
   uncaptioned(frame, "Frame1");
