@@ -9,7 +9,6 @@ namespace tessivo {
 
 namespace {
 constexpr std::size_t kNameLength = 10;
-constexpr std::size_t kVarSendRow = 15;  // SldEffVar: only M5 has a variation send here
 constexpr int kFirstEditPart = kFirstMulti - 1, kLastEditPart = kLastMulti - 1;
 
 // The check box and the option groups: a byte of section 0 or 1, sent by address.
@@ -159,7 +158,6 @@ void EditPanel::EditMult_Click(int multi) {
   const bool m5 = multi == kFirstMulti;
   sliders[kVarSendRow].enabled = m5;
   texts[kVarSendRow].enabled = m5;
-  varSendLabelEnabled = m5;
   visible = true;
 }
 

@@ -16,6 +16,8 @@
 
 namespace tessivo {
 
+inline constexpr std::size_t kVarSendRow = 15;  // SldEffVar: only M5 has a variation send here
+
 // The name a caption takes from a text: its first ten characters, blanks filling up to ten.
 // Characters, not bytes: a name typed with accents is never cut inside a character.
 std::string nameOfTen(const std::string& text);
@@ -41,7 +43,6 @@ class EditPanel {
   // One slider and one text box for each row of kSliderMap, in its order.
   std::array<SliderCtl, kSliderRows> sliders;
   std::array<TextCtl, kSliderRows> texts;
-  bool varSendLabelEnabled = true;  // Labelx1(15), "Variation Send"
 
   TextCtl TxtMsb, TxtLsb, TxtPrg;
   ButtonCtl CmdVocChng{"Change"};

@@ -150,7 +150,6 @@ TEST_F(Editing, OpeningAPartLoadsEveryControlAndEchoesOnlyOptionsThatChange) {
   EXPECT_FALSE(edit->slider("SldEffVar").enabled);
   edit->EditMult_Click(5);
   EXPECT_TRUE(edit->slider("SldEffVar").enabled);
-  EXPECT_TRUE(edit->varSendLabelEnabled);
   // Done hides the panel and keeps its part.
   edit->Done();
   EXPECT_FALSE(edit->visible);

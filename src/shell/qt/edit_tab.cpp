@@ -1,20 +1,18 @@
 #include "shell/qt/edit_tab.h"
 
 #include <QCheckBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QSlider>
-#include <QTimer>
 
 #include "shell/qt/gestures.h"
+#include "shell/qt/map_slider.h"
 #include "shell/qt/names.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -27,16 +25,6 @@ constexpr const char* kVoiceTip =
 constexpr const char* kNameTip = "Type to change name of multi.";
 constexpr const char* kDoneTip = "Close Edit panel.";
 constexpr int kHeadingPixels = 13;  // a bold italic heading of about 10 points
-constexpr int kRowHeight = 16;
-
-QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
-
-// Every text a slider's box can show, so the box is wide enough for the widest.
-QStringList textsOf(const SliderRow& row) {
-  QStringList texts;
-  for (int v = row.min; v <= row.max; ++v) texts << QString::fromStdString(familyText(row.family, v));
-  return texts;
-}
 
 
 void renderGroup(const std::vector<QRadioButton*>& buttons, const OptionGroupCtl& group) {
@@ -140,6 +128,7 @@ EditTab::EditTab(EditPanel& panel, std::function<void()> handled, QWidget* paren
 
   // The panel's place on the form; where a page needs more room in a Linux desktop's fonts,
   // the panel grows to the right and down just enough.
+  varSendLabel_ = findChild<QLabel*>("Labelx1_15");  // "Variation Send", M5's alone
   place(this, 8040, 1095, 3015, 6615);
   const QSize need = minimumSizeHint();
   resize(std::max(width(), need.width()), std::max(height(), need.height()));
@@ -185,42 +174,12 @@ void EditTab::sliders(QGridLayout* grid, int, std::size_t first, std::size_t las
 }
 
 void EditTab::sliderRow(QGridLayout* grid, std::size_t row) {
-  const SliderRow& r = kSliderMap[row];
-  QWidget* parent = grid->parentWidget();
-  auto* caption = new QLabel(qs(r.caption), parent);
-  caption->setObjectName(QString("Labelx1_%1").arg(row));
-  auto* slider = new QSlider(Qt::Horizontal, parent);
-  uncaptioned(slider, qs(r.control));
-  slider->setFixedHeight(kRowHeight);
-  slider->setMinimumWidth(60);
-  slider->setPageStep(r.max - r.min > 40 ? 8 : 2);
-  caption->setBuddy(slider);
-  auto* text = new QLineEdit(parent);
-  uncaptioned(text, qs(r.textBox));
-  text->setReadOnly(true);
-  text->setFocusPolicy(Qt::NoFocus);  // they only show
-  text->setFixedHeight(kRowHeight + 2);
   // One width for all boxes, the widest text's, so the column stands straight.
-  static const int widest = [text] {
-    int w = 0;
-    for (const SliderRow& any : kSliderMap)
-      for (const QString& t : textsOf(any)) w = std::max(w, editWidthFor(text, t));
-    return w;
+  static const int width = [] {
+    QLineEdit probe;
+    return widestValueBox(&probe);
   }();
-  text->setFixedWidth(widest);
-  const int at = grid->rowCount();
-  grid->addWidget(caption, at, 0);
-  grid->addWidget(slider, at, 1);
-  grid->addWidget(text, at, 2);
-  sliders_[row] = slider;
-  texts_[row] = text;
-  if (row == 15) varSendLabel_ = caption;
-  new SliderLetGo(slider, [this, row] { released(row); });
-  connect(slider, &QSlider::valueChanged, this, [this, row](int value) {
-    panel_.sliders[row].value = value;
-    panel_.Scroll(row);
-    handled_();
-  });
+  sliders_[row] = addMapSlider(grid, panel_, row, width, handled_);
 }
 
 QLineEdit* EditTab::voiceBox(const char* name) {
@@ -268,19 +227,13 @@ QPushButton* EditTab::doneButton(const char* name, const QString& tip) {
   return b;
 }
 
-void EditTab::released(std::size_t row) {
-  panel_.sliders[row].value = sliders_[row]->value();
-  panel_.MouseUp(row);
-  handled_();
-}
 
 
 void EditTab::render() {
   for (std::size_t row = 0; row < kEditSliders; ++row) {
-    renderSlider(sliders_[row], panel_.sliders[row]);
-    renderText(texts_[row], panel_.texts[row]);
+    renderMapSlider(sliders_[row], panel_, row);
   }
-  varSendLabel_->setEnabled(panel_.varSendLabelEnabled);
+  varSendLabel_->setEnabled(panel_.sliders[kVarSendRow].enabled);
   renderText(txtMsb_, panel_.TxtMsb);
   renderText(txtLsb_, panel_.TxtLsb);
   renderText(txtPrg_, panel_.TxtPrg);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "edit/edit_panel.h"
+#include "shell/qt/map_slider.h"
 
 class QCheckBox;
 class QGroupBox;
@@ -40,12 +41,10 @@ class EditTab : public QTabWidget {
   // Label34(label), the part's caption, and a Done button at the foot of a page.
   void nameAndDone(QGridLayout* grid, std::size_t label, const char* done);
   QPushButton* doneButton(const char* name, const QString& tip = {});
-  void released(std::size_t row);
 
   EditPanel& panel_;
   std::function<void()> handled_;
-  std::array<QSlider*, kEditSliders> sliders_{};
-  std::array<QLineEdit*, kEditSliders> texts_{};
+  std::array<MapSlider, kEditSliders> sliders_{};
   QLabel* varSendLabel_ = nullptr;
   QLineEdit* txtMsb_ = nullptr;
   QLineEdit* txtLsb_ = nullptr;

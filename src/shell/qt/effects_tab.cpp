@@ -2,19 +2,17 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QEvent>
 #include <QGridLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
-#include <QTimer>
 #include <algorithm>
 
 #include "data/tables.h"
 #include "shell/qt/gestures.h"
+#include "shell/qt/map_slider.h"
 #include "shell/qt/names.h"
 #include "shell/qt/render.h"
 #include "shell/qt/twips.h"
@@ -29,10 +27,8 @@ constexpr const char* kBypassTip = "Click to temporarily bypass all effects.";
 constexpr const char* kResetTip = "Click to reset effects to the original settings used by the performance.";
 constexpr const char* kDoneTip = "Close Effects panel.";
 constexpr int kSmallPixels = 9;  // the lists and buttons: a font of about 7 points
-constexpr int kRowHeight = 16;
 constexpr int kButtonPadding = 10;  // beyond the style's margin, so a short caption does not look cramped
 
-QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 // The type names of a table as a closed list shows them: the blanks that pad each name to its
 // table's width take no room on the screen.
@@ -46,12 +42,6 @@ QStringList shownNames(std::span<const EffectType> table) {
   return names;
 }
 
-// Every text a slider's box can show.
-QStringList textsOf(const SliderRow& row) {
-  QStringList texts;
-  for (int v = row.min; v <= row.max; ++v) texts << QString::fromStdString(familyText(row.family, v));
-  return texts;
-}
 
 
 void useSmallFont(QWidget* w) {
@@ -84,7 +74,7 @@ EffectsTab::EffectsTab(EffectsPanel& panel, EditPanel& sliders, std::function<vo
   lists->setColumnStretch(3, 1);
   grid->addLayout(lists, 0, 0, 1, 5);
 
-  for (std::size_t i = 0; i < kSends; ++i) sendRow(grid, i);
+  for (std::size_t i = 0; i < kSends; ++i) sends_[i] = addMapSlider(grid, sliders_, kFirstEffectSlider + i, 0, handled_);
 
   // Bypass, Reset and Done stand in a column right of the sends, one beside each; Tab reaches
   // them after the sends.
@@ -135,40 +125,6 @@ QComboBox* EffectsTab::typeList(QGridLayout* grid, int column, const char* name,
   return box;
 }
 
-void EffectsTab::sendRow(QGridLayout* grid, std::size_t i) {
-  const std::size_t row = kFirstEffectSlider + i;
-  const SliderRow& r = kSliderMap[row];
-  QWidget* parent = grid->parentWidget();
-  auto* caption = new QLabel(qs(r.caption), parent);
-  caption->setObjectName(QString("Labelx1_%1").arg(row));
-  auto* slider = new QSlider(Qt::Horizontal, parent);
-  uncaptioned(slider, qs(r.control));
-  slider->setFixedHeight(kRowHeight);
-  slider->setMinimumWidth(60);
-  slider->setPageStep(r.max - r.min > 40 ? 8 : 2);
-  caption->setBuddy(slider);
-  auto* text = new QLineEdit(parent);
-  uncaptioned(text, qs(r.textBox));
-  text->setReadOnly(true);
-  text->setFocusPolicy(Qt::NoFocus);  // they only show
-  text->setFixedHeight(kRowHeight + 2);
-  int widest = 0;
-  for (const QString& t : textsOf(r)) widest = std::max(widest, editWidthFor(text, t));
-  text->setFixedWidth(widest);
-  const int at = grid->rowCount();
-  grid->addWidget(caption, at, 0);
-  grid->addWidget(slider, at, 1);
-  grid->addWidget(text, at, 2);
-  sends_[i] = slider;
-  texts_[i] = text;
-  new SliderLetGo(slider, [this, i] { released(i); });
-  connect(slider, &QSlider::valueChanged, this, [this, row](int value) {
-    sliders_.sliders[row].value = value;
-    sliders_.Scroll(row);
-    handled_();
-  });
-}
-
 QPushButton* EffectsTab::button(const char* name, const ButtonCtl& ctl, const char* tip,
                                 void (EffectsPanel::*handler)()) {
   auto* b = new QPushButton(qs(ctl.caption), widget(0));
@@ -183,12 +139,6 @@ QPushButton* EffectsTab::button(const char* name, const ButtonCtl& ctl, const ch
   return b;
 }
 
-void EffectsTab::released(std::size_t i) {
-  const std::size_t row = kFirstEffectSlider + i;
-  sliders_.sliders[row].value = sends_[i]->value();
-  sliders_.MouseUp(row);
-  handled_();
-}
 
 
 void EffectsTab::render() {
@@ -196,8 +146,7 @@ void EffectsTab::render() {
   renderList(cmbChrs_, panel_.CmbChrs);
   renderList(cmbVar_, panel_.CmbVar);
   for (std::size_t i = 0; i < kSends; ++i) {
-    renderSlider(sends_[i], sliders_.sliders[kFirstEffectSlider + i]);
-    renderText(texts_[i], sliders_.texts[kFirstEffectSlider + i]);
+    renderMapSlider(sends_[i], sliders_, kFirstEffectSlider + i);
   }
   {
     QSignalBlocker block(chkEffByPass_);

@@ -9,6 +9,7 @@
 
 #include "edit/edit_panel.h"
 #include "edit/effects_panel.h"
+#include "shell/qt/map_slider.h"
 
 class QCheckBox;
 class QComboBox;
@@ -32,9 +33,7 @@ class EffectsTab : public QTabWidget {
 
   QComboBox* typeList(QGridLayout* grid, int column, const char* name, const char* caption, const char* tip,
                       ListCtl& list, const QStringList& names);
-  void sendRow(QGridLayout* grid, std::size_t i);
   QPushButton* button(const char* name, const ButtonCtl& ctl, const char* tip, void (EffectsPanel::*handler)());
-  void released(std::size_t i);
 
   EffectsPanel& panel_;
   EditPanel& sliders_;
@@ -42,8 +41,7 @@ class EffectsTab : public QTabWidget {
   QComboBox* cmbRvrb_ = nullptr;
   QComboBox* cmbChrs_ = nullptr;
   QComboBox* cmbVar_ = nullptr;
-  std::array<QSlider*, kSends> sends_{};
-  std::array<QLineEdit*, kSends> texts_{};
+  std::array<MapSlider, kSends> sends_{};
   QCheckBox* chkEffByPass_ = nullptr;
   QPushButton* cmdEffReset_ = nullptr;
   QPushButton* cmdEffDn1_ = nullptr;
