@@ -29,12 +29,9 @@ using namespace tessivo::bench;
 namespace {
 
 // The program's pieces as the main form puts them together, on the built-in instrument.
-struct Rig {
+struct Rig : StampedInstrument {
   explicit Rig(bool paced)
-      : cs2x({.silent = false, .replyLatency = std::chrono::microseconds(0), .paced = paced}),
-        builtIn(cs2x),
-        provider(builtIn, stamps),
-        midi({&provider}),
+      : StampedInstrument(paced),
         link(midi, screen),
         edit(link, images, [this](int multi) -> ButtonCtl& { return buttons[static_cast<std::size_t>(multi - kFirstMulti)]; }),
         pool(link, images, tmpl, {}),
@@ -45,12 +42,6 @@ struct Rig {
   }
   ~Rig() { midi.midiOutClose(link.MidiOutHnd); }
 
-  VirtualCs2x cs2x;
-  VirtualCs2xProvider builtIn;
-  Stamps stamps;
-  StampedProvider provider;
-  PortMidiService midi;
-  QuietScreen screen;
   MidiLink link;
   Images images;
   std::array<ButtonCtl, kMultiRows> buttons;
@@ -59,15 +50,6 @@ struct Rig {
   LayerPool pool;
   Multis multis;
 };
-
-double us(Clock::duration d) { return std::chrono::duration<double, std::micro>(d).count(); }
-
-double percentile(std::vector<double> v, double p) {
-  std::sort(v.begin(), v.end());
-  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
-}
-
-double median(std::vector<double> v) { return percentile(std::move(v), 0.5); }
 
 struct Releases {
   std::vector<double> toPort, toNext;  // µs from MouseUp

@@ -42,13 +42,8 @@ struct TempDir {
 
 // The whole program on the built-in instrument, started as a user starts it: no Multi box
 // checked, no Workspace at start, the performance channel 1.
-struct Program {
-  Program(bool paced, const std::filesystem::path& folder)
-      : cs2x({.silent = false, .replyLatency = std::chrono::microseconds(0), .paced = paced}),
-        builtIn(cs2x),
-        provider(builtIn, stamps),
-        midi({&provider}),
-        app(midi, screen) {
+struct Program : StampedInstrument {
+  Program(bool paced, const std::filesystem::path& folder) : StampedInstrument(paced), app(midi, screen) {
     app.pref().prefsPath = (folder / (paced ? "paced.prefs" : "unpaced.prefs")).string();
     app.Main();
     app.OKButton_Click();
@@ -61,26 +56,8 @@ struct Program {
     stamps.bytes = 0;
   }
 
-  VirtualCs2x cs2x;
-  VirtualCs2xProvider builtIn;
-  Stamps stamps;
-  StampedProvider provider;
-  PortMidiService midi;
-  QuietScreen screen;
   App app;
 };
-
-double us(Clock::duration d) { return std::chrono::duration<double, std::micro>(d).count(); }
-
-double median(std::vector<double> v) {
-  std::sort(v.begin(), v.end());
-  return v[(v.size() - 1) / 2];
-}
-
-double percentile(std::vector<double> v, double p) {
-  std::sort(v.begin(), v.end());
-  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
-}
 
 // Every Multi's list one channel on from where it stands, silently, as the form does while
 // loading: the load then has to send each channel.

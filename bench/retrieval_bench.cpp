@@ -31,12 +31,10 @@ struct Result {
 };
 
 Result run(std::chrono::microseconds latency, bool polling, int rounds) {
-  VirtualCs2x cs2x({.silent = false, .replyLatency = latency, .paced = true});
-  VirtualCs2xProvider builtIn(cs2x);
-  Stamps stamps;
-  StampedProvider provider(builtIn, stamps);
-  PortMidiService midi({&provider});
-  QuietScreen screen;
+  StampedInstrument rig(true, latency);
+  PortMidiService& midi = rig.midi;
+  QuietScreen& screen = rig.screen;
+  Stamps& stamps = rig.stamps;
   // The polling variant waits its full 5 ms between looks at the flag.
   SleepFn sleep;
   if (polling) sleep = [](int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); };
@@ -55,11 +53,10 @@ Result run(std::chrono::microseconds latency, bool polling, int rounds) {
         const auto t0 = Clock::now();
         link.RtrvBlock(block.kind, 0, 0);
         const auto t3 = Clock::now();
-        const double us = std::chrono::duration<double, std::micro>(t3 - t0).count();
-        const double own =
-            std::chrono::duration<double, std::micro>(at(stamps.replyIn.load()) - at(stamps.requestOut.load())).count();
-        result.overheadUs.push_back(us - own);
-        result.totalMs += us / 1000.0;
+        const double whole = us(t3 - t0);
+        const double own = us(at(stamps.replyIn.load()) - at(stamps.requestOut.load()));
+        result.overheadUs.push_back(whole - own);
+        result.totalMs += whole / 1000.0;
         result.instrumentMs += own / 1000.0;
       }
     }
@@ -68,11 +65,6 @@ Result run(std::chrono::microseconds latency, bool polling, int rounds) {
   midi.midiInClose(link.MidiInHnd);
   midi.midiOutClose(link.MidiOutHnd);
   return result;
-}
-
-double percentile(std::vector<double> v, double p) {
-  std::sort(v.begin(), v.end());
-  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
 }
 
 void report(const char* name, const Result& r, int rounds) {

@@ -2,9 +2,13 @@
 // What the benchmarks put between the program and the virtual CS2x: a screen that answers
 // every box at once and counts them, and ports that note when a message enters the output port
 // and when one comes back in, and how many messages and bytes went out.
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <vector>
+
+#include "instrument/virtual_cs2x.h"
 
 #include "link/port_service.h"
 #include "link/screen.h"
@@ -86,6 +90,26 @@ class StampedProvider : public PortProvider {
   PortProvider& inner_;
   Stamps& stamps_;
 };
+
+// The built-in instrument behind stamped ports, with a screen that answers every box.
+struct StampedInstrument {
+  explicit StampedInstrument(bool paced, std::chrono::microseconds latency = {})
+      : cs2x({.silent = false, .replyLatency = latency, .paced = paced}) {}
+  VirtualCs2x cs2x;
+  VirtualCs2xProvider builtIn{cs2x};
+  Stamps stamps;
+  StampedProvider provider{builtIn, stamps};
+  PortMidiService midi{{&provider}};
+  QuietScreen screen;
+};
+
+inline double us(Clock::duration d) { return std::chrono::duration<double, std::micro>(d).count(); }
+// The value below which the fraction `p` of `v` lies (the nearest rank below).
+inline double percentile(std::vector<double> v, double p) {
+  std::sort(v.begin(), v.end());
+  return v[static_cast<std::size_t>(p * static_cast<double>(v.size() - 1))];
+}
+inline double median(std::vector<double> v) { return percentile(std::move(v), 0.5); }
 
 // A stamp as a point in time.
 inline Clock::time_point at(Clock::rep stamp) { return Clock::time_point(Clock::duration(stamp)); }
