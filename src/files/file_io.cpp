@@ -27,18 +27,19 @@ std::optional<std::uint64_t> fileLength(const std::string& path) {
   return static_cast<std::uint64_t>(st.st_size);
 }
 
-bool readRecord(const std::string& path, std::span<std::uint8_t> into) {
+std::optional<std::uint64_t> readRecord(const std::string& path, std::span<std::uint8_t> into) {
   Fd f{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-  if (f.fd < 0) return false;
+  struct stat st {};
+  if (f.fd < 0 || ::fstat(f.fd, &st) != 0 || !S_ISREG(st.st_mode)) return std::nullopt;
   std::size_t done = 0;
   while (done < into.size()) {
     const ssize_t n = ::read(f.fd, into.data() + done, into.size() - done);
     if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
+    if (n < 0) return std::nullopt;
     if (n == 0) break;  // a file shorter than the record (or shrunk since its length was taken)
     done += static_cast<std::size_t>(n);
   }
-  return true;
+  return static_cast<std::uint64_t>(st.st_size);
 }
 
 bool writeRecord(const std::string& path, std::span<const std::uint8_t> record) {

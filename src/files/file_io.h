@@ -14,8 +14,8 @@ namespace tessivo {
 // The length of the file at `path`; nothing when it cannot be opened.
 std::optional<std::uint64_t> fileLength(const std::string& path);
 // Reads the first `into.size()` bytes of the file (fewer if it is shorter: the rest stays as
-// it is); false when the file cannot be opened or read.
-bool readRecord(const std::string& path, std::span<std::uint8_t> into);
+// it is) and gives the file's length; nothing when the file cannot be opened or read.
+std::optional<std::uint64_t> readRecord(const std::string& path, std::span<std::uint8_t> into);
 // Writes `record` as the whole file; false, with the target untouched, when that fails.
 bool writeRecord(const std::string& path, std::span<const std::uint8_t> record);
 

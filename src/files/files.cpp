@@ -70,49 +70,32 @@ bool Files::saveDialog(const std::string& filter) {
 
 bool Files::readChecked(const std::string& path, FileType type, std::span<std::uint8_t> record,
                         const std::function<void()>& again) {
-  const auto length = fileLength(path);
-  if (!length) return false;  // cannot be opened: a silent end
+  // Into a work area: the images change only once a record of the right length has been read.
+  std::fill(record.begin(), record.end(), 0);
+  const auto length = readRecord(path, record);
+  if (!length) return false;  // cannot be opened or read: a silent end
   const TypeRow& row = rowOf(type);
   if (row.exact ? *length != row.length : *length > kAllMultisLimit) {
     p_.link.screen().messageBox(wrongTypeMessage(type), kAppTitle, MsgButtons::Ok, MsgIcon::None);
     again();  // the same load once more, so the user can choose again
     return false;
   }
-  std::fill(record.begin(), record.end(), 0);
-  return readRecord(path, record);
+  return true;
 }
 
 // ---- Load menu --------------------------------------------------------------------------------
 
-void Files::LdWrkSpace_Click() {
-  if (!openDialog("Tessivo WorkSpace (*.tvw)|*.tvw")) return;
+void Files::openAndLoad(const char* filter, void (Files::*reader)()) {
+  if (!openDialog(filter)) return;
   CurFilePath = CommonDialog1.fileName;
-  LdWrkSpaceFile();
+  (this->*reader)();
 }
 
-void Files::LdFullSetup_Click() {
-  if (!openDialog("Full Setup (*.tvf)|*.tvf")) return;
-  CurFilePath = CommonDialog1.fileName;
-  LdFullSetupFile();
-}
-
-void Files::LdPerform_Click() {
-  if (!openDialog("Peformance (*.tvx)|*.tvx")) return;
-  CurFilePath = CommonDialog1.fileName;
-  LdPerformFile();
-}
-
-void Files::LdLayerPool_Click() {
-  if (!openDialog("Layer Pool (*.tvp)|*.tvp")) return;
-  CurFilePath = CommonDialog1.fileName;
-  LdLyrPoolFile();
-}
-
-void Files::LdMultAll_Click() {
-  if (!openDialog("All Multis (*.tvm)|*.tvm")) return;
-  CurFilePath = CommonDialog1.fileName;
-  LdMultAllFile();
-}
+void Files::LdWrkSpace_Click() { openAndLoad("Tessivo WorkSpace (*.tvw)|*.tvw", &Files::LdWrkSpaceFile); }
+void Files::LdFullSetup_Click() { openAndLoad("Full Setup (*.tvf)|*.tvf", &Files::LdFullSetupFile); }
+void Files::LdPerform_Click() { openAndLoad("Peformance (*.tvx)|*.tvx", &Files::LdPerformFile); }
+void Files::LdLayerPool_Click() { openAndLoad("Layer Pool (*.tvp)|*.tvp", &Files::LdLyrPoolFile); }
+void Files::LdMultAll_Click() { openAndLoad("All Multis (*.tvm)|*.tvm", &Files::LdMultAllFile); }
 
 void Files::LdMultDlg(int part) {
   if (!openDialog("Single Multi (*.tvs)|*.tvs")) return;

@@ -79,6 +79,8 @@ class Files {
 
  private:
   bool openDialog(const char* filter);
+  // The open dialog, its file as CurFilePath, and the reader.
+  void openAndLoad(const char* filter, void (Files::*reader)());
   bool saveDialog(const std::string& filter);
   // The length test and the read: false when the file cannot be read, or when its length is
   // wrong (its message shown and its load offered once more).

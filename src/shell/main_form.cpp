@@ -274,10 +274,9 @@ void MainForm::LdSysEx_Click() {
 void MainForm::SySxTxtDump() {
   FileDialog& dialog = files_.CommonDialog1;
   std::vector<std::uint8_t> bytes(kSysExListingLimit);
-  const auto length = fileLength(dialog.fileName);
+  const auto length = readRecord(dialog.fileName, bytes);
   if (!length) return;
   bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(*length, kSysExListingLimit)));
-  if (!readRecord(dialog.fileName, bytes)) return;
   dialog.flags = 2;
   dialog.filter = "All Multis (*.tvm)|*.tvm";
   dialog.filterIndex = 1;
