@@ -1,5 +1,5 @@
-// The tables of names and values: EQ frequency texts, effect type look-up, and the lists that
-// the start fills from them.
+// The tables of names and values: EQ frequency texts, effect type look-up, and the effect
+// lists that the start fills from them.
 #include <gtest/gtest.h>
 
 #include "data/tables.h"
@@ -32,22 +32,15 @@ TEST(Tables, EffectTypesAreFoundByTheirTwoBytesInTheirOwnTable) {
   EXPECT_EQ(row, 63);
 }
 
-TEST(Tables, TheStartFillsTheEffectAndProgramListsInRowOrderWithEightCharacterNames) {
-  for (auto n : PrfNames1) EXPECT_EQ(n.size(), 8u);
-  for (auto n : PrfNames2) EXPECT_EQ(n.size(), 8u);
-  EXPECT_EQ(PrfNames1[127], "FunkyHit");
-  EXPECT_EQ(PrfNames2[127], "Session ");
+TEST(Tables, TheStartFillsTheEffectListsInRowOrder) {
   test::ScriptedProgram program;
-  MainForm& form = program.start();
-  ASSERT_EQ(form.effects().CmbRvrb.items.size(), 13u);
-  ASSERT_EQ(form.effects().CmbChrs.items.size(), 15u);
-  ASSERT_EQ(form.effects().CmbVar.items.size(), 64u);
-  EXPECT_EQ(form.effects().CmbRvrb.items[12], "BASEMENT    ");
-  EXPECT_EQ(form.effects().CmbChrs.items[13], "ENSEMBLE DETUNE ");
-  EXPECT_EQ(form.effects().CmbVar.items[63], std::string("THRU") + std::string(20, ' '));
-  ASSERT_EQ(form.panel.CmbPrgm.items.size(), 128u);
-  EXPECT_EQ(form.panel.CmbPrgm.items[35], "Insomnia");
-  EXPECT_EQ(form.panel.CmbPrgm.index(), 0);
+  const EffectsPanel& effects = program.start().effects();
+  ASSERT_EQ(effects.CmbRvrb.items.size(), 13u);
+  ASSERT_EQ(effects.CmbChrs.items.size(), 15u);
+  ASSERT_EQ(effects.CmbVar.items.size(), 64u);
+  EXPECT_EQ(effects.CmbRvrb.items[12], "BASEMENT    ");
+  EXPECT_EQ(effects.CmbChrs.items[13], "ENSEMBLE DETUNE ");
+  EXPECT_EQ(effects.CmbVar.items[63], std::string("THRU") + std::string(20, ' '));
 }
 
 }  // namespace tessivo
