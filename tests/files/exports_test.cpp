@@ -15,10 +15,6 @@ namespace tessivo {
 using test::hex;
 
 namespace {
-Bytes readAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
 // The checksum of a bulk dump, by hand: bytes 4 to n-3 added, taken from 128.
 std::uint8_t checksum(const Bytes& file, std::size_t at, std::size_t length) {
   int sum = 0;
@@ -36,35 +32,22 @@ std::string run(const std::string& command) {
 }
 }  // namespace
 
-// Against the built-in instrument, whose dumps fill the images whole.
-class Exports : public ::testing::Test, protected test::BuiltIn {
+class Exports : public test::StartedOnInstrument {
  protected:
-  test::Events events;
-  test::ScriptedScreen screen{events};
-  App app{midi, screen};
-  test::TempFile prefs, syx, mid, txt;
-  MainForm* form = nullptr;
+  test::TempFile syx, mid, txt;
   void SetUp() override {
-    app.pref().prefsPath = prefs.path;
-    app.Main();
-    app.OKButton_Click();
-    app.Timer1_Tick();
-    form = app.mainForm();
+    StartedOnInstrument::SetUp();
     // Multi 5's section 0 with a channel byte of 0 and a stale checksum; the list at 3.
     auto s0 = form->images().multi.section(4, 0);
     s0[13] = 0;
     s0[50] = 0x55;
     form->row(5).CmbMult.setIndex(3);
   }
-  void save(void (Files::*click)(), const std::string& path) {
-    screen.saveAnswers.push_back(path);
-    (form->files().*click)();
-  }
 };
 
 TEST_F(Exports, TheSysExFileHoldsTheSixtyEightDumpsWithTheirOwnChecksums) {
-  save(&Files::SvSetupSyx_Click, syx.path);
-  const Bytes f = readAll(syx.path);
+  saveAs(&Files::SvSetupSyx_Click, syx.path);
+  const Bytes f = test::readFile(syx.path);
   ASSERT_EQ(f.size(), 2760u);
   EXPECT_EQ(f[0], 0xF0);
   EXPECT_EQ(f[51], 0xF7);
@@ -93,10 +76,10 @@ TEST_F(Exports, TheSysExFileHoldsTheSixtyEightDumpsWithTheirOwnChecksums) {
 }
 
 TEST_F(Exports, TheMidiFileIsFormatZeroWithEachDumpOneGapApart) {
-  save(&Files::SvSetupSyx_Click, syx.path);
-  const Bytes s = readAll(syx.path);
-  save(&Files::SvSetupMid_Click, mid.path);
-  const Bytes f = readAll(mid.path);
+  saveAs(&Files::SvSetupSyx_Click, syx.path);
+  const Bytes s = test::readFile(syx.path);
+  saveAs(&Files::SvSetupMid_Click, mid.path);
+  const Bytes f = test::readFile(mid.path);
   ASSERT_EQ(f.size(), 2691u);
   EXPECT_EQ(hex(Bytes(f.begin(), f.begin() + 22)), "4D 54 68 64 00 00 00 06 00 00 00 01 01 E0 4D 54 72 6B 00 00 0A 6D");
   EXPECT_EQ(std::string(f.begin() + 26, f.begin() + 34), "REQPFALL");
@@ -117,12 +100,12 @@ TEST_F(Exports, TheMidiFileIsFormatZeroWithEachDumpOneGapApart) {
   EXPECT_EQ(unframed, Bytes(s.begin(), s.begin() + 2502));
   // The density of the preferences picks the gap; one beyond the table gives none.
   app.pref().Slider1.value = 2;
-  save(&Files::SvSetupMid_Click, mid.path);
-  EXPECT_EQ(readAll(mid.path)[49], 81);
+  saveAs(&Files::SvSetupMid_Click, mid.path);
+  EXPECT_EQ(test::readFile(mid.path)[49], 81);
   app.pref().Slider1.value = 9;
-  save(&Files::SvSetupMid_Click, mid.path);
-  EXPECT_EQ(readAll(mid.path)[49], 0);
-  EXPECT_EQ(readAll(mid.path).size(), 2691u);
+  saveAs(&Files::SvSetupMid_Click, mid.path);
+  EXPECT_EQ(test::readFile(mid.path)[49], 0);
+  EXPECT_EQ(test::readFile(mid.path).size(), 2691u);
 }
 
 TEST_F(Exports, TheDescriptionListsPerformanceMultisAndPoolInQuotedTabbedLines) {
@@ -130,10 +113,10 @@ TEST_F(Exports, TheDescriptionListsPerformanceMultisAndPoolInQuotedTabbedLines) 
   form->row(5).CmbMult.setIndex(4);
   form->row(5).CmdMult.caption = "Strings    M5";
   form->row(6).CmdMult.caption = "Say \"Hi\"   M6";
-  save(&Files::SvWrkSpaceText_Click, txt.path);
+  saveAs(&Files::SvWrkSpaceText_Click, txt.path);
   std::string text;
   {
-    const Bytes b = readAll(txt.path);
+    const Bytes b = test::readFile(txt.path);
     text.assign(b.begin(), b.end());
   }
   std::vector<std::string> lines;
@@ -154,8 +137,8 @@ TEST_F(Exports, TheDescriptionListsPerformanceMultisAndPoolInQuotedTabbedLines) 
   EXPECT_EQ(lines[24], "\"\tLayer Pool:" + tabs(14) + "\"");
   // Pool items in full, one line each.
   form->pool().LbxLyrPool.addItem("A long pool entry name", 0);
-  save(&Files::SvWrkSpaceText_Click, txt.path);
-  const Bytes again = readAll(txt.path);
+  saveAs(&Files::SvWrkSpaceText_Click, txt.path);
+  const Bytes again = test::readFile(txt.path);
   const std::string last = "\"" + tabs(3) + "A long pool entry name" + tabs(10) + "\"\r\n";
   EXPECT_EQ(std::string(again.end() - static_cast<std::ptrdiff_t>(last.size()), again.end()), last);
 }
@@ -165,8 +148,8 @@ TEST_F(Exports, TheDescriptionListsPerformanceMultisAndPoolInQuotedTabbedLines) 
 TEST_F(Exports, OtherProgramsReadTheMidiFileAndTheSysExFile) {
   if (std::system("command -v midicsv >/dev/null 2>&1") != 0 || std::system("/usr/bin/python3 -c 'import mido' 2>/dev/null") != 0)
     GTEST_SKIP() << "midicsv and python3-mido are not installed (scripts/install-deps.sh installs them)";
-  save(&Files::SvSetupMid_Click, mid.path);
-  save(&Files::SvSetupSyx_Click, syx.path);
+  saveAs(&Files::SvSetupMid_Click, mid.path);
+  saveAs(&Files::SvSetupSyx_Click, syx.path);
   const std::string csv = run("midicsv " + mid.path);
   EXPECT_NE(csv.find("0, 0, Header, 0, 1, 480"), std::string::npos) << csv.substr(0, 200);
   EXPECT_NE(csv.find("Tempo, 500000"), std::string::npos);

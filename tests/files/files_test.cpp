@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 #include "files/file_io.h"
 #include "shell/app.h"
@@ -17,34 +16,17 @@ using test::hex;
 using Texts = std::vector<std::string>;
 namespace fs = std::filesystem;
 
-namespace {
-Bytes readAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-void writeAll(const std::string& path, const Bytes& bytes) {
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
 // The record tables: where each section of a Multi record starts and how many bytes it holds.
 constexpr std::array<std::size_t, 5> kAt{0, 53, 128, 144, 168}, kLength{52, 74, 15, 23, 13};
-}  // namespace
 
-class FileTypes : public ::testing::Test, protected test::BuiltIn {
+class FileTypes : public test::StartedOnInstrument {
  protected:
-  test::Events events;
-  test::ScriptedScreen screen{events};
-  App app{midi, screen};
-  test::TempFile prefs, a, b;
-  MainForm* form = nullptr;
+  test::TempFile a, b;
   Files* files = nullptr;
 
   void SetUp() override {
-    app.pref().prefsPath = prefs.path;
-    app.Main();
+    StartedOnInstrument::SetUp();
     app.pref().cmbPerfChnl.setIndex(2);
-    app.OKButton_Click();
-    app.Timer1_Tick();
-    form = app.mainForm();
     files = &form->files();
     // Every Multi different: its sections marked with its part, its own name and channel.
     for (int m = 5; m <= 16; ++m) {
@@ -52,7 +34,7 @@ class FileTypes : public ::testing::Test, protected test::BuiltIn {
         auto section = part(m - 1, s);
         for (std::size_t i = 9; i + 2 < kLength[s]; ++i) section[i] = static_cast<std::uint8_t>((m * 7 + i + s) & 0x7F);
       }
-      form->row(m).CmdMult.caption = (m == 6 ? std::string("Strings") + "   " : "Sound " + std::to_string(m) + "    ").substr(0, 10) + " M" + std::to_string(m);
+      form->row(m).CmdMult.caption = (m == 6 ? std::string("Strings   ") : ("Sound " + std::to_string(m) + "    ").substr(0, 10)) + " M" + std::to_string(m);
       form->row(m).CmbMult.setIndex((m * 3) % 16);
     }
     // Three Pool entries whose list order is not their slot order.
@@ -62,19 +44,8 @@ class FileTypes : public ::testing::Test, protected test::BuiltIn {
     pool.LbxLyrPool.items = {"Alpha", "Bravo Long Name", "Charlie"};
     pool.LbxLyrPool.itemData = {2, 0, 1};
     screen.boxes.clear();
-    screen.busyChanges.clear();
   }
   std::span<std::uint8_t> part(int p, std::size_t s) { return form->images().multi.section(static_cast<std::size_t>(p), s); }
-  void saveAs(void (Files::*click)(), const std::string& path) {
-    screen.saveAnswers.push_back(path);
-    (files->*click)();
-  }
-  void loadFrom(void (Files::*click)(), const std::string& path) {
-    screen.openAnswers.push_back(path);
-    cs2x.clearLog();
-    (files->*click)();
-  }
-
   // A Workspace of the present state, built from the record tables.
   Bytes expectedWorkspace() {
     Bytes w(27850, 0);
@@ -108,7 +79,7 @@ class FileTypes : public ::testing::Test, protected test::BuiltIn {
 TEST_F(FileTypes, AWorkspaceHoldsTheRecordsByTheirTablesAndASetupIsItsFirstPart) {
   saveAs(&Files::SvWrkSpace_Click, a.path);
   const Bytes expected = expectedWorkspace();  // after the save's DspPerf read the Performance
-  const Bytes written = readAll(a.path);
+  const Bytes written = test::readFile(a.path);
   ASSERT_EQ(written.size(), 27850u);
   EXPECT_EQ(written, expected);
   EXPECT_EQ(written[13], (5 * 3) % 16);
@@ -122,15 +93,15 @@ TEST_F(FileTypes, AWorkspaceHoldsTheRecordsByTheirTablesAndASetupIsItsFirstPart)
   EXPECT_EQ(screen.dialogs.back().filter, "Tessivo Workspace (*.tvw)|*.tvw");
   // A Setup is the Workspace's first 2952 bytes; a second save gives the same bytes.
   saveAs(&Files::SvSetuptvf_Click, b.path);
-  EXPECT_EQ(readAll(b.path), Bytes(written.begin(), written.begin() + 2952));
+  EXPECT_EQ(test::readFile(b.path), Bytes(written.begin(), written.begin() + 2952));
   saveAs(&Files::SvWrkSpace_Click, b.path);
-  EXPECT_EQ(readAll(b.path), written);
+  EXPECT_EQ(test::readFile(b.path), written);
   EXPECT_FALSE(fs::exists(fs::path(b.path).parent_path() / ("." + fs::path(b.path).filename().string() + ".tmp")));
 }
 
 TEST_F(FileTypes, AWorkspaceLoadSendsMultisThenChannelsThenThePerformanceAndRefillsThePool) {
   saveAs(&Files::SvWrkSpace_Click, a.path);
-  const Bytes saved = readAll(a.path);
+  const Bytes saved = test::readFile(a.path);
   // Change everything the file holds.
   form->multis().InitMltall_Click();
   form->pool().Clear();
@@ -140,16 +111,6 @@ TEST_F(FileTypes, AWorkspaceLoadSendsMultisThenChannelsThenThePerformanceAndRefi
   EXPECT_FALSE(form->edit().visible);
   EXPECT_EQ(screen.dialogs.back().flags, 4);
   EXPECT_EQ(screen.dialogs.back().filter, "Tessivo WorkSpace (*.tvw)|*.tvw");
-  for (int m = 5; m <= 16; ++m) {
-    for (std::size_t s = 0; s < 5; ++s) {
-      const std::size_t at = static_cast<std::size_t>(m - 5) * 192 + kAt[s];
-      EXPECT_EQ(hex(Bytes(part(m - 1, s).begin(), part(m - 1, s).begin() + static_cast<std::ptrdiff_t>(kLength[s]))),
-                hex(Bytes(saved.begin() + static_cast<std::ptrdiff_t>(at), saved.begin() + static_cast<std::ptrdiff_t>(at + kLength[s]))))
-          << m << " " << s;
-    }
-    EXPECT_EQ(form->row(m).CmbMult.index(), (m * 3) % 16);
-  }
-  EXPECT_EQ(form->row(6).CmdMult.caption, "Strings    M6");
   // The wire: 60 dumps M5 first, the channel messages of the lists that moved, then the
   // Performance Com0 .. Lyr4, with the preferences' channel in Com0.
   const Texts wire = BuiltIn::wire();
@@ -161,27 +122,24 @@ TEST_F(FileTypes, AWorkspaceLoadSendsMultisThenChannelsThenThePerformanceAndRefi
   const Texts perfAddresses{"50 00 00", "60 00 00", "60 00 40", "60 00 60", "60 01 00", "60 02 00", "60 03 00", "60 04 00"};
   for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(wire[60 + channels + i].substr(18, 8), perfAddresses[i]) << i;
   EXPECT_EQ(form->images().perf.Com0()[9], 2);
-  // The Pool: its list in its order, the slots in use and no others.
-  const LayerPool& pool = form->pool();
-  EXPECT_EQ(pool.LbxLyrPool.items, (Texts{"Alpha     ", "Bravo Long", "Charlie   "}));
-  EXPECT_EQ(pool.LbxLyrPool.itemData, (std::vector<int>{2, 0, 1}));
-  for (int slot = 0; slot < 128; ++slot) EXPECT_EQ(pool.PoolFree[static_cast<std::size_t>(slot)], slot < 3 ? 0 : 256) << slot;
-  // Saved again, the same bytes.
-  saveAs(&Files::SvWrkSpace_Click, b.path);
-  EXPECT_EQ(readAll(b.path), saved);
+  // The Pool's slots in use and no others.
+  for (int slot = 0; slot < 128; ++slot) EXPECT_EQ(form->pool().PoolFree[static_cast<std::size_t>(slot)], slot < 3 ? 0 : 256) << slot;
   EXPECT_TRUE(screen.boxes.empty());
+  // Images, names, channels and the Pool as the file holds them: saved again, the same bytes.
+  saveAs(&Files::SvWrkSpace_Click, b.path);
+  EXPECT_EQ(test::readFile(b.path), saved);
 }
 
 TEST_F(FileTypes, ASetupLoadLeavesThePoolAndAChannelThatIsNoChannelEndsIt) {
   saveAs(&Files::SvSetuptvf_Click, a.path);
-  Bytes setup = readAll(a.path);
+  Bytes setup = test::readFile(a.path);
   form->pool().Clear();
   form->row(6).CmdMult.caption = "x";
   loadFrom(&Files::LdFullSetup_Click, a.path);
   EXPECT_TRUE(form->pool().LbxLyrPool.items.empty());
   EXPECT_EQ(form->row(6).CmdMult.caption, "Strings    M6");
   setup[192 * 3 + 13] = 0x10;  // M8 with no channel: the load stops there
-  writeAll(b.path, setup);
+  test::writeFile(b.path, setup);
   form->row(9).CmbMult.setIndex(0);
   loadFrom(&Files::LdFullSetup_Click, b.path);
   EXPECT_EQ(form->row(9).CmbMult.index(), 0);
@@ -202,7 +160,7 @@ TEST_F(FileTypes, EveryTypeRefusesAWrongLengthWithItsMessageAndOffersItsDialogAg
                                          {&Files::LdPerform_Click, 457, ".tvx"},
                                          {&Files::LdLayerPool_Click, 27850, ".tvp"},
                                          {&Files::LdMultAll_Click, 18201, ".tvm"}}) {
-    writeAll(a.path, Bytes(c.length, 0x11));
+    test::writeFile(a.path, Bytes(c.length, 0x11));
     screen.boxes.clear();
     screen.dialogs.clear();
     loadFrom(c.load, a.path);  // then Cancel in the dialog offered again
@@ -211,7 +169,7 @@ TEST_F(FileTypes, EveryTypeRefusesAWrongLengthWithItsMessageAndOffersItsDialogAg
     EXPECT_EQ(screen.dialogs.size(), 2u) << c.extension;
     EXPECT_TRUE(BuiltIn::wire().empty()) << c.extension;
   }
-  writeAll(a.path, Bytes(191, 0));
+  test::writeFile(a.path, Bytes(191, 0));
   screen.boxes.clear();
   screen.openAnswers.push_back(a.path);
   files->LdMultDlg(8);
@@ -220,9 +178,9 @@ TEST_F(FileTypes, EveryTypeRefusesAWrongLengthWithItsMessageAndOffersItsDialogAg
   EXPECT_EQ(Bytes(form->images().multi.bytes.begin(), form->images().multi.bytes.end()), before);
   // All Multis takes any file up to 18200 bytes: a Setup's first 2496 bytes are its Multis.
   saveAs(&Files::SvSetuptvf_Click, b.path);
-  Bytes big = readAll(b.path);
+  Bytes big = test::readFile(b.path);
   big.resize(18200, 0);
-  writeAll(a.path, big);
+  test::writeFile(a.path, big);
   form->multis().InitMltall_Click();
   screen.boxes.clear();
   loadFrom(&Files::LdMultAll_Click, a.path);
@@ -238,11 +196,11 @@ TEST_F(FileTypes, ASingleMultiGoesToAnyPlaceKeepingThatPlacesChannel) {
   saveAs(&Files::SvMultAll_Click, b.path);
   screen.saveAnswers.push_back(a.path);
   files->SvMultDlg(4);
-  const Bytes m5 = readAll(a.path);
+  const Bytes m5 = test::readFile(a.path);
   ASSERT_EQ(m5.size(), 192u);
   EXPECT_EQ(screen.dialogs.back().filter,
             "All Files (*.*)|*.*|Tessivo Files(*.tvx)|*.tvx|Sys-Ex Files (*.syx)|*.syx|Layer Pools (*.tvp)|*.tvp");
-  Bytes fromAll = readAll(b.path);
+  Bytes fromAll = test::readFile(b.path);
   fromAll.resize(192);
   fromAll[13] = part(4, 0)[13];  // an All Multis file holds the list's channel, a single Multi the image's byte
   EXPECT_EQ(m5, fromAll);
@@ -260,7 +218,7 @@ TEST_F(FileTypes, ASingleMultiGoesToAnyPlaceKeepingThatPlacesChannel) {
   // a single Multi keeps as the image holds it).
   screen.saveAnswers.push_back(b.path);
   files->SvMultDlg(8);
-  const Bytes m9 = readAll(b.path);
+  const Bytes m9 = test::readFile(b.path);
   std::vector<std::size_t> differ;
   for (std::size_t i = 0; i < 192; ++i)
     if (m5[i] != m9[i]) differ.push_back(i);
@@ -269,7 +227,7 @@ TEST_F(FileTypes, ASingleMultiGoesToAnyPlaceKeepingThatPlacesChannel) {
 
 TEST_F(FileTypes, APoolFileKeepsOrderTextsAndFreeSlots) {
   saveAs(&Files::SvLayerPool_Click, a.path);
-  const Bytes pool = readAll(a.path);
+  const Bytes pool = test::readFile(a.path);
   ASSERT_EQ(pool.size(), 24898u);
   form->pool().Clear();
   loadFrom(&Files::LdLayerPool_Click, a.path);
@@ -279,7 +237,7 @@ TEST_F(FileTypes, APoolFileKeepsOrderTextsAndFreeSlots) {
   // A slot that does not exist ends the list at its position, in silence.
   Bytes broken = pool;
   broken[24768 + 1] = 200;
-  writeAll(b.path, broken);
+  test::writeFile(b.path, broken);
   loadFrom(&Files::LdLayerPool_Click, b.path);
   EXPECT_EQ(form->pool().LbxLyrPool.items, Texts{"Alpha     "});
   EXPECT_EQ(form->pool().lowestFree(), 0);
@@ -295,7 +253,7 @@ TEST_F(FileTypes, APerformanceLoadSendsItsSectionsWithThePreferencesChannel) {
   perf[202] = 1;
   const std::string name = "Test\x01Prf";
   std::copy(name.begin(), name.end(), perf.begin() + 275);
-  writeAll(a.path, perf);
+  test::writeFile(a.path, perf);
   form->effects().EditEffcts_Click();
   loadFrom(&Files::LdPerform_Click, a.path);
   EXPECT_FALSE(form->effects().visible);
@@ -316,7 +274,7 @@ TEST_F(FileTypes, APerformanceLoadSendsItsSectionsWithThePreferencesChannel) {
 // the old file whole and no temporary file beside it.
 TEST_F(FileTypes, ASaveThatFailsLeavesTheOldFileWhole) {
   saveAs(&Files::SvSetuptvf_Click, a.path);
-  const Bytes old = readAll(a.path);
+  const Bytes old = test::readFile(a.path);
   ASSERT_EQ(old.size(), 2952u);
   rlimit before{};
   ::getrlimit(RLIMIT_FSIZE, &before);
@@ -328,7 +286,7 @@ TEST_F(FileTypes, ASaveThatFailsLeavesTheOldFileWhole) {
   saveAs(&Files::SvWrkSpace_Click, a.path);
   ::setrlimit(RLIMIT_FSIZE, &before);
   std::signal(SIGXFSZ, previous);
-  EXPECT_EQ(readAll(a.path), old);
+  EXPECT_EQ(test::readFile(a.path), old);
   std::size_t stray = 0;
   for (const auto& entry : fs::directory_iterator(fs::path(a.path).parent_path()))
     if (entry.path().filename().string().starts_with("." + fs::path(a.path).filename().string())) ++stray;
@@ -340,7 +298,7 @@ TEST_F(FileTypes, ASaveThatFailsLeavesTheOldFileWhole) {
 
 TEST_F(FileTypes, AtStartTheChosenWorkspaceFillsTheMultisInsteadOfTheBoxes) {
   saveAs(&Files::SvWrkSpace_Click, a.path);
-  writeAll(b.path, Bytes(27849, 0));
+  test::writeFile(b.path, Bytes(27849, 0));
   app.ExitRequested();  // the built-in instrument takes one program at a time
   auto start = [&](const std::string& path, bool checked) {
     test::Events ev;
@@ -387,7 +345,7 @@ TEST_F(FileTypes, TheLoadAidLoadsAClickedFileByTheReaderOfItsPattern) {
   fs::create_directories(folder / "sub");
   saveAs(&Files::SvPerform_Click, (folder / "one.tvx").string());
   saveAs(&Files::SvWrkSpace_Click, (folder / "two.tvw").string());
-  writeAll((folder / "short.tvw").string(), Bytes(100, 0));
+  test::writeFile((folder / "short.tvw").string(), Bytes(100, 0));
   LoadAid& aid = form->loadAid();
   form->edit().EditMult_Click(6);
   form->LdAidSub_Click();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 #include <unistd.h>
 
@@ -55,6 +56,35 @@ MainForm& ScriptedProgram::start() {
   app.OKButton_Click();
   app.Timer1_Tick();
   return *app.mainForm();
+}
+
+void StartedOnInstrument::SetUp() {
+  app.pref().prefsPath = prefs.path;
+  app.Main();
+  app.OKButton_Click();
+  app.Timer1_Tick();
+  form = app.mainForm();
+  screen.busyChanges.clear();
+}
+
+void StartedOnInstrument::saveAs(void (Files::*click)(), const std::string& path) {
+  screen.saveAnswers.push_back(path);
+  (form->files().*click)();
+}
+
+void StartedOnInstrument::loadFrom(void (Files::*click)(), const std::string& path) {
+  screen.openAnswers.push_back(path);
+  cs2x.clearLog();
+  (form->files().*click)();
+}
+
+Bytes readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+void writeFile(const std::string& path, const Bytes& bytes) {
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 std::vector<std::string> BuiltIn::wire() const {

@@ -191,6 +191,26 @@ struct BuiltIn {
   PortMidiService midi{{&provider}};
 };
 
+// The program started against the built-in virtual CS2x, whose dumps fill the images whole,
+// with the screen scripted: saves and loads go through the scripted file dialogs.
+class StartedOnInstrument : public ::testing::Test, protected BuiltIn {
+ protected:
+  void SetUp() override;  // Main, OK and the tick; then the busy changes of the start forgotten
+  void saveAs(void (Files::*click)(), const std::string& path);
+  // The instrument's log is cleared first, so wire() is what the load sent.
+  void loadFrom(void (Files::*click)(), const std::string& path);
+
+  Events events;
+  ScriptedScreen screen{events};
+  App app{midi, screen};
+  TempFile prefs;
+  MainForm* form = nullptr;
+};
+
+// A whole file's bytes, and a file of exactly these bytes.
+Bytes readFile(const std::string& path);
+void writeFile(const std::string& path, const Bytes& bytes);
+
 // An input buffer of 128 bytes with a guard byte behind it, and its header.
 struct InBuffer {
   InBuffer() : hdr{.lpData = bytes, .dwBufferLength = 128} {}
