@@ -164,11 +164,17 @@ void MainWindow::buildMultiRows(QWidget* central) {
   label(central, "Labelx1_54", "Midi Chan", 7440, 1080, 615, 375, cmbMult_[0]);
 }
 
-QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)()) {
+QMenu* MainWindow::subMenu(QWidget* parent, const char* name, const char* title) {
+  QMenu* menu = parent == menuBar() ? menuBar()->addMenu(title) : static_cast<QMenu*>(parent)->addMenu(title);
+  menu->setObjectName(name);
+  return menu;
+}
+
+QAction* MainWindow::addEntry(QMenu* menu, const char* name, const char* text, std::function<void()> handler) {
   QAction* action = menu->addAction(text);
   action->setObjectName(name);
-  connect(action, &QAction::triggered, this, [this, handler] {
-    (form_.*handler)();
+  connect(action, &QAction::triggered, this, [this, handler = std::move(handler)] {
+    handler();
     handled();
   });
   return action;
@@ -222,114 +228,65 @@ void MainWindow::buildDebugRow(QWidget* central) {
 }
 
 void MainWindow::buildMenus() {
-  QMenu* file = menuBar()->addMenu("File");
-  file->setObjectName("FileMenu");
-  QAction* pref = file->addAction("Startup Preferences");
-  pref->setObjectName("StrtupPref");
-  connect(pref, &QAction::triggered, this, [this] {
-    app_.logic().StrtupPref_Click();
-    app_.afterHandler();
-  });
-  QAction* exitAction = file->addAction("Exit");
-  exitAction->setObjectName("ExitMenu");
-  connect(exitAction, &QAction::triggered, this, [this] {
-    app_.logic().ExitRequested();
-    app_.afterHandler();
-  });
+  MainForm& f = form_;
+  Files& files = f.files();
+  auto on = [&f](void (MainForm::*handler)()) { return [&f, handler] { (f.*handler)(); }; };
+  auto file = [&files](void (Files::*handler)()) { return [&files, handler] { (files.*handler)(); }; };
 
-  QMenu* edit = menuBar()->addMenu("Edit");
-  edit->setObjectName("EditMenu");
-  QAction* effects = edit->addAction("Effects");
-  effects->setObjectName("EditEffcts");
-  connect(effects, &QAction::triggered, this, [this] {
-    form_.effects().EditEffcts_Click();
-    handled();
-  });
-  QMenu* editMulti = edit->addMenu("Multi");
-  editMulti->setObjectName("EditMulti");
-  addMultiEntries(editMulti, "EditMult", [this](int m) { form_.edit().EditMult_Click(m); });
+  QMenu* fileMenu = subMenu(menuBar(), "FileMenu", "File");
+  addEntry(fileMenu, "StrtupPref", "Startup Preferences", [this] { app_.logic().StrtupPref_Click(); });
+  addEntry(fileMenu, "ExitMenu", "Exit", [this] { app_.logic().ExitRequested(); });
 
-  QMenu* retrieve = menuBar()->addMenu("Retrieve");
-  retrieve->setObjectName("Retrv");
-  addEntry(retrieve, "RtrvPerf", "Performance", &MainForm::RtrvPerf_Click);
-  addEntry(retrieve, "RtrvAllMulti", "All Multis", &MainForm::RtrvAllMulti_Click);
-  QMenu* multi = retrieve->addMenu("Multi");
-  multi->setObjectName("RtrvMult");
-  addMultiEntries(multi, "RtrvMulti", [this](int m) { form_.RtrvMulti_Click(m); });
+  QMenu* edit = subMenu(menuBar(), "EditMenu", "Edit");
+  addEntry(edit, "EditEffcts", "Effects", [&f] { f.effects().EditEffcts_Click(); });
+  addMultiEntries(subMenu(edit, "EditMulti", "Multi"), "EditMult", [&f](int m) { f.edit().EditMult_Click(m); });
 
-  Files& files = form_.files();
-  QMenu* load = menuBar()->addMenu("Load");
-  load->setObjectName("load");
-  auto fileEntry = [this](QMenu* menu, const char* name, const char* text, void (Files::*handler)()) {
-    QAction* action = menu->addAction(text);
-    action->setObjectName(name);
-    connect(action, &QAction::triggered, this, [this, handler] {
-      (form_.files().*handler)();
-      handled();
-    });
-  };
-  fileEntry(load, "LdWrkSpace", "Workspace", &Files::LdWrkSpace_Click);
-  fileEntry(load, "LdFullSetup", "Setup", &Files::LdFullSetup_Click);
-  fileEntry(load, "LdLayerPool", "Layer Pool", &Files::LdLayerPool_Click);
-  fileEntry(load, "LdPerform", "Performance", &Files::LdPerform_Click);
-  fileEntry(load, "LdMultAll", "All Multis", &Files::LdMultAll_Click);
-  QMenu* loadMulti = load->addMenu("Multi");
-  loadMulti->setObjectName("Mltsel");
-  addMultiEntries(loadMulti, "LdMult", [&files](int m) { files.LdMultDlg(m - 1); });
-  addEntry(load, "LdAidSub", "Load Aid", &MainForm::LdAidSub_Click);
+  QMenu* retrieve = subMenu(menuBar(), "Retrv", "Retrieve");
+  addEntry(retrieve, "RtrvPerf", "Performance", on(&MainForm::RtrvPerf_Click));
+  addEntry(retrieve, "RtrvAllMulti", "All Multis", on(&MainForm::RtrvAllMulti_Click));
+  addMultiEntries(subMenu(retrieve, "RtrvMult", "Multi"), "RtrvMulti", [&f](int m) { f.RtrvMulti_Click(m); });
 
-  QMenu* save = menuBar()->addMenu("Save");
-  save->setObjectName("Save");
-  fileEntry(save, "SvWrkSpace", "Workspace", &Files::SvWrkSpace_Click);
-  QMenu* setup = save->addMenu("Setup");
-  setup->setObjectName("SvfullSetup");
-  fileEntry(setup, "SvSetuptvf", "as .tvf", &Files::SvSetuptvf_Click);
-  fileEntry(setup, "SvSetupSyx", "as Sys-Ex", &Files::SvSetupSyx_Click);
-  svSetupSyx_ = setup->actions().back();
-  fileEntry(setup, "SvSetupMid", "as Midi type 0", &Files::SvSetupMid_Click);
-  fileEntry(save, "SvLayerPool", "Layer Pool", &Files::SvLayerPool_Click);
-  fileEntry(save, "SvPerform", "Performance", &Files::SvPerform_Click);
-  fileEntry(save, "SvMultAll", "All Multis", &Files::SvMultAll_Click);
-  QMenu* saveMulti = save->addMenu("Multi");
-  saveMulti->setObjectName("Mlts");
-  addMultiEntries(saveMulti, "SvMult", [&files](int m) { files.SvMultDlg(m - 1); });
-  fileEntry(save, "SvWrkSpaceText", "Workspace Desc Text", &Files::SvWrkSpaceText_Click);
+  QMenu* load = subMenu(menuBar(), "load", "Load");
+  addEntry(load, "LdWrkSpace", "Workspace", file(&Files::LdWrkSpace_Click));
+  addEntry(load, "LdFullSetup", "Setup", file(&Files::LdFullSetup_Click));
+  addEntry(load, "LdLayerPool", "Layer Pool", file(&Files::LdLayerPool_Click));
+  addEntry(load, "LdPerform", "Performance", file(&Files::LdPerform_Click));
+  addEntry(load, "LdMultAll", "All Multis", file(&Files::LdMultAll_Click));
+  addMultiEntries(subMenu(load, "Mltsel", "Multi"), "LdMult", [&files](int m) { files.LdMultDlg(m - 1); });
+  addEntry(load, "LdAidSub", "Load Aid", on(&MainForm::LdAidSub_Click));
 
-  QMenu* init = menuBar()->addMenu("Initialize");
-  init->setObjectName("Init");
-  QAction* all = init->addAction("All Multis");
-  all->setObjectName("InitMltall");
-  connect(all, &QAction::triggered, this, [this] {
-    form_.multis().InitMltall_Click();
-    handled();
-  });
-  QMenu* initMulti = init->addMenu("Multi");
-  initMulti->setObjectName("Mlt");
-  addMultiEntries(initMulti, "InitMlt", [this](int m) { form_.multis().InitMlt_Click(m); });
+  QMenu* save = subMenu(menuBar(), "Save", "Save");
+  addEntry(save, "SvWrkSpace", "Workspace", file(&Files::SvWrkSpace_Click));
+  QMenu* setup = subMenu(save, "SvfullSetup", "Setup");
+  addEntry(setup, "SvSetuptvf", "as .tvf", file(&Files::SvSetuptvf_Click));
+  svSetupSyx_ = addEntry(setup, "SvSetupSyx", "as Sys-Ex", file(&Files::SvSetupSyx_Click));
+  addEntry(setup, "SvSetupMid", "as Midi type 0", file(&Files::SvSetupMid_Click));
+  addEntry(save, "SvLayerPool", "Layer Pool", file(&Files::SvLayerPool_Click));
+  addEntry(save, "SvPerform", "Performance", file(&Files::SvPerform_Click));
+  addEntry(save, "SvMultAll", "All Multis", file(&Files::SvMultAll_Click));
+  addMultiEntries(subMenu(save, "Mlts", "Multi"), "SvMult", [&files](int m) { files.SvMultDlg(m - 1); });
+  addEntry(save, "SvWrkSpaceText", "Workspace Desc Text", file(&Files::SvWrkSpaceText_Click));
+
+  QMenu* init = subMenu(menuBar(), "Init", "Initialize");
+  addEntry(init, "InitMltall", "All Multis", [&f] { f.multis().InitMltall_Click(); });
+  addMultiEntries(subMenu(init, "Mlt", "Multi"), "InitMlt", [&f](int m) { f.multis().InitMlt_Click(m); });
 
   // The check marks belong to the form: a triggered entry's own toggle is overwritten by the
   // render after the handler.
-  QMenu* midi = menuBar()->addMenu("Midi");
-  midi->setObjectName("mnuMidi");
-  addEntry(midi, "AllNtsOff", "All Notes Off", &MainForm::AllNtsOff_Click);
-  localOff_ = addEntry(midi, "LocalOff", "Local Off", &MainForm::LocalOff_Click);
-  arpOff_ = addEntry(midi, "ArpOff", "Arpeggiator Off", &MainForm::ArpOff_Click);
-  trnsChnlAssgn_ = addEntry(midi, "TrnsChnlAssgn", "Trans Chnl Assigned by Audition", &MainForm::TrnsChnlAssgn_Click);
+  QMenu* midi = subMenu(menuBar(), "mnuMidi", "Midi");
+  addEntry(midi, "AllNtsOff", "All Notes Off", on(&MainForm::AllNtsOff_Click));
+  localOff_ = addEntry(midi, "LocalOff", "Local Off", on(&MainForm::LocalOff_Click));
+  arpOff_ = addEntry(midi, "ArpOff", "Arpeggiator Off", on(&MainForm::ArpOff_Click));
+  trnsChnlAssgn_ = addEntry(midi, "TrnsChnlAssgn", "Trans Chnl Assigned by Audition", on(&MainForm::TrnsChnlAssgn_Click));
   for (QAction* action : {localOff_, arpOff_, trnsChnlAssgn_}) action->setCheckable(true);
 
-  QMenu* help = menuBar()->addMenu("Help");
-  help->setObjectName("Help");
-  QAction* about = help->addAction("About");
-  about->setObjectName("About");
-  connect(about, &QAction::triggered, this, [this] {
-    (new AboutWindow(app_, this))->show();  // modeless; it goes when it closes
-  });
+  // About is modeless and goes when it closes.
+  addEntry(subMenu(menuBar(), "Help", "Help"), "About", "About", [this] { (new AboutWindow(app_, this))->show(); });
 
-  debugMenu_ = menuBar()->addMenu("Debug");
-  debugMenu_->setObjectName("DebugMenu");
-  addEntry(debugMenu_, "WinOn", "Window On", &MainForm::WinOn_Click);
-  addEntry(debugMenu_, "WinOff", "Window Off", &MainForm::WinOff_Click);
-  addEntry(debugMenu_, "LdSysEx", "Write sysex", &MainForm::LdSysEx_Click);
+  debugMenu_ = subMenu(menuBar(), "DebugMenu", "Debug");
+  addEntry(debugMenu_, "WinOn", "Window On", on(&MainForm::WinOn_Click));
+  addEntry(debugMenu_, "WinOff", "Window Off", on(&MainForm::WinOff_Click));
+  addEntry(debugMenu_, "LdSysEx", "Write sysex", on(&MainForm::LdSysEx_Click));
 #ifdef TESSIVO_DEVELOPER_MENUS
   setDeveloperEntries(true);
 #else

@@ -49,8 +49,10 @@ class MainWindow : public QMainWindow {
   QString dropTarget(QWidget* receiver, QPoint pos) const;
   // A gesture's handler has run: show the form's state and let the program end if it must.
   void handled();
-  // A menu entry that runs a handler of the form, then renders.
-  QAction* addEntry(QMenu* menu, const char* name, const char* text, void (MainForm::*handler)());
+  // A menu of the bar or a sub-menu, by its name and title.
+  QMenu* subMenu(QWidget* parent, const char* name, const char* title);
+  // A menu entry whose handler runs, after which the window renders.
+  QAction* addEntry(QMenu* menu, const char* name, const char* text, std::function<void()> handler);
   // The entries "Multi 5" .. "Multi 16" of a sub-menu, named prefix5 .. prefix16.
   void addMultiEntries(QMenu* menu, const char* prefix, const std::function<void(int multi)>& handler);
   QRadioButton* option(QWidget* frame, const char* name, const char* text, int top,
