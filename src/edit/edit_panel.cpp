@@ -89,10 +89,7 @@ EditPanel::EditPanel(MidiLink& link, Images& images, MultiButton button)
   Option3.click = optionClick(Option3, kPartMode);
 }
 
-SliderCtl& EditPanel::slider(std::string_view control) {
-  const auto row = sliderRow(control);
-  return sliders[row.value_or(0)];
-}
+SliderCtl& EditPanel::slider(std::string_view control) { return sliders[sliderRow(control).value()]; }
 
 std::span<std::uint8_t> EditPanel::sectionOf(const SliderRow& row) {
   if (row.section < 0) return images_.perf.Com2();

@@ -51,6 +51,7 @@ class EditPanel {
   ClickCheckCtl ChckPort;
   OptionGroupCtl Option1, Option2, Option3;  // Same Note Key On Assign, Mono/Poly, Part Mode
 
+  // The slider of that name; a name that is no slider of the map throws.
   SliderCtl& slider(std::string_view control);
 
   // The user moves a slider (its value already set): the text box follows, nothing is sent.
