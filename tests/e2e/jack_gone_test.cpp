@@ -1,13 +1,11 @@
-// The JACK server going away under open ports (stopped): sending, a retrieve and closing the ports all
-// end in their own time, without a crash. The server is stopped from here, so this program runs
+// The JACK server stopped under open ports: sending, a retrieve and closing the ports all end
+// in their own time, without a crash. The server is stopped from here, so this program runs
 // alone against a server of its own (tests/e2e/with_jackd.sh exports its pid).
 #include <gtest/gtest.h>
 #include <rtmidi/RtMidi.h>
 #include <signal.h>
 
-#include <chrono>
 #include <cstdlib>
-#include <thread>
 
 #include "e2e/jack_side.h"
 
@@ -18,22 +16,16 @@ TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
   ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
   const char* pidText = std::getenv("TESSIVO_JACKD_PID");
   ASSERT_NE(pidText, nullptr);
-  const pid_t jackd = static_cast<pid_t>(std::atol(pidText));
-
-  // A peer client with a port each way, and the program's ports opened on them.
-  // libjack cannot close a port once its server has gone, so the peer is left behind.
-  auto* peerOut = new RtMidiOut(RtMidi::UNIX_JACK, "Peer");
-  auto* peerIn = new RtMidiIn(RtMidi::UNIX_JACK, "Peer");
-  peerOut->openVirtualPort("to-tessivo");
-  peerIn->openVirtualPort("from-tessivo");
+  // A peer with a port each way, left behind: libjack cannot close a port once its server has gone.
+  (new RtMidiOut(RtMidi::UNIX_JACK, "Peer"))->openVirtualPort("to-tessivo");
+  (new RtMidiIn(RtMidi::UNIX_JACK, "Peer"))->openVirtualPort("from-tessivo");
   test::JackSide side;
   MidiLink& link = side.link;
   ASSERT_TRUE(side.open("from-tessivo", "to-tessivo"));
   ASSERT_EQ(side.midi.midiInStart(link.MidiInHnd), MMSYSERR_NOERROR);
 
-  // A server stopped as a user stops it (a crashed one was tried by hand). It waits up to five
-  // seconds for its clients before it goes, so the wait here is longer.
-  ASSERT_EQ(kill(jackd, SIGTERM), 0);
+  // Stopped as a user stops it; it waits up to five seconds for its clients, so the wait here is longer.
+  ASSERT_EQ(kill(static_cast<pid_t>(std::atol(pidText)), SIGTERM), 0);
   const auto giveUp = std::chrono::steady_clock::now() + 15s;
   while (jackServerRunning() && std::chrono::steady_clock::now() < giveUp) std::this_thread::sleep_for(50ms);
   ASSERT_FALSE(jackServerRunning());
@@ -41,7 +33,7 @@ TEST(JackGone, SendsRetrievesAndClosesEndInTimeAfterTheServerStops) {
   const auto t0 = std::chrono::steady_clock::now();
   // Far more than the port's buffer holds, since nothing drains it any more.
   for (int i = 0; i < 3000; ++i) link.SndSysEx(Bytes{0xF0, 0x43, 0x10, 0x63, 0x50, 0x00, 0x00, 0x01, 0xF7});
-  link.RtrvBlock(1, 0, 0);  // nobody answers: about two seconds, then zeros
+  link.RtrvBlock(kKindCom1, 0, 0);  // nobody answers: about two seconds, then zeros
   EXPECT_EQ(side.images.perf.Com1()[0], 0x00);
   side.close();
   EXPECT_LT(std::chrono::steady_clock::now() - t0, 5s);

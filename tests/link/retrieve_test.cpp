@@ -43,7 +43,6 @@ TEST_F(Retrieve, InputIsArmedAndThruCutAroundTheRequestAndTheReplyCopiedAndLogge
   // The whole message over its section, frame included; the byte behind it stays.
   EXPECT_EQ(Bytes(com1.begin(), com1.begin() + 63), reply);
   EXPECT_EQ(com1[63], 0x55);
-  EXPECT_EQ(images.perf.perfName(), " !\"#$%&'");
   // One line a byte: offset from the first data byte in hex, index, the byte in decimal and hex.
   ASSERT_EQ(link.List1.size(), 63u);
   EXPECT_EQ(link.List1[0], "Sys Ex  Com1  FFF7   0    240  F0");
@@ -53,15 +52,17 @@ TEST_F(Retrieve, InputIsArmedAndThruCutAroundTheRequestAndTheReplyCopiedAndLogge
   EXPECT_EQ(MidiLink::logLine("Mlt 5 2", 27, 0x0A), "Sys Ex  Mlt 5 2  11   26    10  A");
 }
 
-TEST_F(Retrieve, NoReplyCostsFourHundredPollsAndLeavesZerosUpToTheLength) {
+TEST_F(Retrieve, NoReplyCostsFourHundredPollsAndLeavesZerosUpToTheLengthAndLoadingKeepsThruOff) {
   auto com0 = images.perf.Com0();
   std::fill(com0.begin(), com0.end(), 0x55);
   link.LongDataFlag.raise();  // something arrived outside a block: cleared before the request
+  link.LoadingFlag = -1;      // while the form fills, the thru path stays off between blocks
   link.RtrvBlock(kKindCom0, 0, 0);
   EXPECT_EQ(sleeps, std::vector<int>(400, 5));
   EXPECT_TRUE(std::all_of(com0.begin(), com0.begin() + 37, [](auto b) { return b == 0; }));
   EXPECT_EQ(com0[37], 0x55);  // behind the length nothing changes
   EXPECT_TRUE(link.List1.empty());
+  EXPECT_EQ(midi.midiCalls().back(), "midiInUnprepareHeader");
   EXPECT_TRUE(screen.boxes.empty());
 }
 
@@ -74,33 +75,22 @@ TEST_F(Retrieve, AShortReplyLeavesZerosAndALongOneIsCutToTheBlocksLength) {
   EXPECT_EQ(lyr2[55], 0);
   EXPECT_EQ(lyr2[56], 0x55);
   EXPECT_EQ(link.List1.size(), 5u);
-
   answerWith(Bytes(150, 0x11));
   link.List1.clear();
   link.RtrvBlock(kKindCom3, 0, 0);
-  const auto com3 = images.perf.Com3();
-  EXPECT_EQ(com3[19], 0x11);
-  EXPECT_EQ(com3[20], 0);              // 20 bytes copied, no more
-  EXPECT_EQ(link.List1.size(), 128u);  // what the driver took: its 128 bytes
-}
-
-TEST_F(Retrieve, WhileTheFormFillsTheThruPathStaysOffBetweenBlocks) {
-  link.LoadingFlag = -1;
-  answerWith(com1Reply());
-  link.RtrvBlock(kKindCom1, 0, 0);
-  EXPECT_EQ(midi.calls["midiConnect"], 0);
-  EXPECT_EQ(midi.midiCalls().back(), "midiInUnprepareHeader");
+  EXPECT_EQ(images.perf.Com3()[19], 0x11);
+  EXPECT_EQ(images.perf.Com3()[20], 0);  // 20 bytes copied, no more
+  EXPECT_EQ(link.List1.size(), 128u);    // what the driver took: its 128 bytes
 }
 
 TEST_F(Retrieve, MultiSectionsLandInTheirPartWithTheirLabelAndAMultiIsFiveAfterClearingTheLog) {
   const Bytes reply = bulkDump(kModelXg, {0x08, 0x04, 0x70}, Bytes{1, 2, 3, 4});
   answerWith(reply);
   link.RtrvBlock(kKindMulti, 5, 2);
-  EXPECT_EQ(midi.sent, std::vector<Bytes>{multiSectionRequest(5, 2)});
+  EXPECT_EQ(hex(midi.sent), std::vector<std::string>{"F0 43 20 4C 08 04 70 F7"});
   const auto section = images.multi.section(4, 2);
   EXPECT_EQ(Bytes(section.begin(), section.begin() + 15), reply);
   EXPECT_EQ(link.List1[0].substr(0, 17), "Sys Ex  Mlt 5 2  ");
-
   midi.sent.clear();
   answerWith(Bytes{0xF0, 0x43, 0xF7});
   link.RtrvMlt(9);
@@ -111,58 +101,43 @@ TEST_F(Retrieve, MultiSectionsLandInTheirPartWithTheirLabelAndAMultiIsFiveAfterC
   EXPECT_EQ(link.List1[0].substr(0, 17), "Sys Ex  Mlt 9 0  ");
 }
 
-TEST_F(Retrieve, AnyOtherKindSendsTheParameterRequestAndChangesNoImage) {
-  int requests = 0;
-  link.ReqParm = [&] {
-    ++requests;
-    link.SndSysEx(parmRequest({0x08, 0x04, 0x18}));
-  };
-  answerWith(Bytes{0xF0, 0x43, 0x10, 0x4C, 0x08, 0x04, 0x18, 0x40, 0xF7});
+// Its wire and its count of log lines are pinned where the debug row's button sends it.
+TEST_F(Retrieve, AnyOtherKindSendsTheParameterRequestChangesNoImageAndHasItsLabel) {
+  link.ReqParm = [&] { link.SndSysEx(parmRequest({0x08, 0x04, 0x18})); };
+  answerWith(paramChange(kModelXg, {0x08, 0x04, 0x18}, 0x40));
   const PerfImage before = images.perf;
   link.RtrvBlock(16, 0, 0);
-  EXPECT_EQ(requests, 1);
   EXPECT_EQ(images.perf.bytes, before.bytes);
-  ASSERT_EQ(link.List1.size(), 9u);
-  EXPECT_EQ(link.List1[0], "Sys Ex  Parm retrieve  FFF7   0    240  F0");
+  EXPECT_EQ(link.List1.at(0), "Sys Ex  Parm retrieve  FFF7   0    240  F0");
 }
 
-TEST_F(Retrieve, FailuresBeforeTheRequestEndTheCallAndLeaveTheImage) {
-  auto com1 = images.perf.Com1();
-  std::fill(com1.begin(), com1.end(), 0x55);
+// A failed prepare or add ends the call before the request, a failed unprepare before the copy
+// and the thru path, a failed reconnection before the input starts; the rest only report.
+TEST_F(Retrieve, EachFailingInputCallHasItsBoxAndEndsTheCallOnlyWhereNothingCanGoOn) {
+  answerWith(com1Reply());
   midi.failOnce("midiInPrepareHeader", MMSYSERR_NOMEM);
   link.RtrvBlock(kKindCom1, 0, 0);
   midi.failOnce("midiInAddBuffer", MIDIERR_STILLPLAYING);
   link.RtrvBlock(kKindCom1, 0, 0);
   EXPECT_TRUE(midi.sent.empty());
-  EXPECT_EQ(com1[0], 0x55);
-  EXPECT_EQ(screen.texts(), (Texts{box("InPrepHdr", "in error 7"), box("InAddBuff", "in error 65")}));
-}
-
-TEST_F(Retrieve, StopStartAndResetFailuresAreReportedAndTheBlockGoesOn) {
-  answerWith(com1Reply());
-  midi.script["midiInStop"] = {MMSYSERR_ERROR, MMSYSERR_NOMEM};
-  midi.failOnce("midiInStart", MMSYSERR_ERROR);
-  midi.failOnce("midiInReset", MMSYSERR_INVALHANDLE);
-  link.RtrvBlock(kKindCom1, 0, 0);
-  EXPECT_EQ(screen.texts(), (Texts{box("InStop", "in error 1"), box("InStart", "in error 1"),
-                                   box("InStop", "in error 7"), box("InReset", "in error 5")}));
-  EXPECT_EQ(images.perf.Com1()[0], 0xF0);
-  EXPECT_EQ(link.List1.size(), 63u);
-}
-
-TEST_F(Retrieve, AFailedUnprepareEndsBeforeTheCopyAndAFailedReconnectionSkipsTheStart) {
-  answerWith(com1Reply());
   midi.failOnce("midiInUnprepareHeader", MIDIERR_STILLPLAYING);
   link.RtrvBlock(kKindCom1, 0, 0);
   EXPECT_EQ(images.perf.Com1()[0], 0);
   EXPECT_TRUE(link.List1.empty());
   EXPECT_EQ(midi.calls["midiConnect"], 0);
 
+  midi.script["midiInStop"] = {MMSYSERR_ERROR, MMSYSERR_NOMEM};
+  midi.failOnce("midiInStart", MMSYSERR_ERROR);
+  midi.failOnce("midiInReset", MMSYSERR_INVALHANDLE);
   midi.failOnce("midiConnect", MMSYSERR_INVALHANDLE);
   link.RtrvBlock(kKindCom1, 0, 0);
-  EXPECT_EQ(midi.midiCalls().back(), "midiConnect");
   EXPECT_EQ(images.perf.Com1()[0], 0xF0);
-  EXPECT_EQ(screen.texts(), (Texts{box("InUnPrepHdr", "in error 65"), box("Connect", "in error 5")}));
+  EXPECT_EQ(link.List1.size(), 63u);
+  EXPECT_EQ(midi.midiCalls().back(), "midiConnect");
+  EXPECT_EQ(screen.texts(), (Texts{box("InPrepHdr", "in error 7"), box("InAddBuff", "in error 65"),
+                                   box("InUnPrepHdr", "in error 65"), box("InStop", "in error 1"),
+                                   box("InStart", "in error 1"), box("InStop", "in error 7"),
+                                   box("InReset", "in error 5"), box("Connect", "in error 5")}));
 }
 
 }  // namespace tessivo
