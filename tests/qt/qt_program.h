@@ -7,6 +7,9 @@
 #include <QApplication>
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMenuBar>
 #include <QDrag>
 #include <QDropEvent>
 #include <QMessageBox>
@@ -17,11 +20,15 @@
 #include <QTimer>
 #include <deque>
 #include <functional>
+#include <set>
 #include <optional>
 #include <stdexcept>
 
 #include "shell/qt/qt_app.h"
 #include "support/scripted.h"
+
+// Failures show the texts.
+inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
 
 namespace tessivo::qt {
 
@@ -33,8 +40,8 @@ W* child(QObject* parent, const QString& name) {
   return w;
 }
 
-// Mouse events as the window system delivers them to a widget, with the buttons held after
-// the event. Sent straight to the widget, so that no other window takes them.
+// Mouse events as the window system delivers them, with the buttons held after the event; sent
+// straight to the widget, so that no other window takes them.
 inline void mouse(QWidget* w, QEvent::Type type, QPoint pos, Qt::MouseButton button, Qt::MouseButtons held) {
   QMouseEvent event(type, QPointF(pos), w->mapToGlobal(QPointF(pos)), button, held, Qt::NoModifier);
   QApplication::sendEvent(w, &event);
@@ -51,17 +58,9 @@ inline void release(QWidget* w, QPoint pos, Qt::MouseButton button = Qt::LeftBut
 }
 inline void release(QWidget* w) { release(w, w->rect().center()); }
 inline void doubleClick(QWidget* w, QPoint pos) {
-  press(w, pos);
-  release(w, pos);
+  press(w, pos), release(w, pos);
   mouse(w, QEvent::MouseButtonDblClick, pos, Qt::LeftButton, Qt::LeftButton);
   release(w, pos);
-}
-// A press and a move past the drag distance: the drag starts (and, without a display, ends at
-// once; its drop is sent by dropOn).
-inline void startDrag(QWidget* source, Qt::MouseButton button = Qt::LeftButton) {
-  const QPoint at = source->rect().center();
-  press(source, at, button);
-  moveHeld(source, at + QPoint(QApplication::startDragDistance() + 1, 0), button);
 }
 
 // Enter, move and drop over `over` (its middle unless `at` is given), sent to the widget of
@@ -81,14 +80,31 @@ inline bool dropOn(QWidget* window, QWidget* over, const QMimeData& data, std::o
   return enter.isAccepted() && move.isAccepted() && drop.isAccepted() && drop.dropAction() == Qt::CopyAction;
 }
 
+// Every control and menu entry of a form, by name: the widgets that stand on the form or in
+// one of its frames, but for labels, frames and the menu bar, which take no gesture of their
+// own; and the menu entries that are no sub-menus.
+inline std::set<QString> controlsOf(QWidget* form) {
+  auto holdsControls = [form](const QWidget* w) {
+    return w == form || w->objectName() == "CS2xClient" || qobject_cast<const QGroupBox*>(w) != nullptr ||
+           w->objectName().startsWith("Page");  // the edit panel's pages
+  };
+  std::set<QString> names;
+  for (QWidget* w : form->findChildren<QWidget*>())
+    if (w->window() == form && holdsControls(w->parentWidget()) && !holdsControls(w) && !qobject_cast<QLabel*>(w) &&
+        !qobject_cast<QMenuBar*>(w))
+      names.insert(w->objectName());
+  for (QAction* a : form->findChildren<QAction*>())
+    if (a->menu() == nullptr && !a->objectName().startsWith("qt_")) names.insert(a->objectName());
+  return names;
+}
+
 // A pick in a drop-down list as a user makes it: the list opens and the entry is clicked.
 inline void pick(QComboBox* box, int index) {
   box->showPopup();
   QAbstractItemView* view = box->view();
   const QModelIndex entry = view->model()->index(index, box->modelColumn());
   view->scrollTo(entry);
-  const QPoint at = view->visualRect(entry).center();
-  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, at);
+  QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(entry).center());
 }
 
 // Answers the boxes and dialogs that the program opens, from inside their own event loop, as
@@ -100,7 +116,19 @@ class ModalAnswers {
   QStringList asked;  // "title: text" of every message box so far
 
   ModalAnswers() {
-    timer_.callOnTimeout([this] { answer(); });
+    timer_.callOnTimeout([this] {
+      QWidget* modal = QApplication::activeModalWidget();
+      if (modal == nullptr || !modal->isVisible()) return;
+      auto* box = qobject_cast<QMessageBox*>(modal);
+      if (box) asked << box->windowTitle() + ": " + box->text();
+      if (script.empty()) {
+        if (box) box->defaultButton()->click();
+        return;
+      }
+      Answer next = std::move(script.front());
+      script.pop_front();
+      next(modal);
+    });
     timer_.start(5);
   }
   static Answer button(QMessageBox::StandardButton which) {
@@ -108,22 +136,6 @@ class ModalAnswers {
   }
 
  private:
-  void answer() {
-    QWidget* modal = QApplication::activeModalWidget();
-    if (modal == nullptr || !modal->isVisible()) return;
-    if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-      asked << box->windowTitle() + ": " + box->text();
-      if (script.empty()) {
-        box->defaultButton()->click();
-        return;
-      }
-    } else if (script.empty()) {
-      return;
-    }
-    Answer next = std::move(script.front());
-    script.pop_front();
-    next(modal);
-  }
   QTimer timer_;
 };
 
@@ -154,8 +166,7 @@ class QtProgramOn : public ::testing::Test, protected Devices {
     if (app.prefWindow() == nullptr) app.start();
     child<QPushButton>(app.prefWindow(), "OKButton")->click();
     MainWindow* main = app.mainWindow();
-    if (main == nullptr || !QTest::qWaitFor([&] { return main->isVisible(); }, 60000)) return nullptr;
-    return main;
+    return main && QTest::qWaitFor([&] { return main->isVisible(); }, 60000) ? main : nullptr;
   }
 };
 
