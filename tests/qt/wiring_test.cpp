@@ -521,6 +521,39 @@ TEST_F(MainFormWiring, EveryControlAndMenuEntryDoesItsOwnWork) {
   EXPECT_FALSE(app.logic().finished());
 }
 
+// The Load Aid's window: the type list sets the pattern, a click on a file loads it, a folder
+// is entered by activating it, Done hides the window.
+TEST_F(MainFormWiring, TheLoadAidsListsChooseTheTypeTheFolderAndTheFileThatLoads) {
+  const std::filesystem::path dir = std::filesystem::path(folder) / "set";
+  std::filesystem::create_directories(dir / "inner");
+  MainForm& form = *app.logic().mainForm();
+  form.files().CommonDialog1.fileName = (dir / "one.tvx").string();
+  form.files().SvPerformFile();
+  at<QAction>("LdAidSub")->trigger();
+  auto* window = qobject_cast<LoadAidWindow*>(app.form(FormId::LoadAid));
+  ASSERT_NE(window, nullptr);
+  form.loadAid().dirLdAid_Change(dir.string());
+  window->render();
+  auto* files = child<QListWidget>(window, "flLdAid");
+  EXPECT_EQ(files->count(), 0);  // the Workspace pattern at first
+  pick(child<QComboBox>(window, "cmbLdAid"), 2);
+  ASSERT_EQ(files->count(), 1);
+  EXPECT_EQ(files->item(0)->text(), "one.tvx");
+  cs2x.clearLog();
+  QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualItemRect(files->item(0)).center());
+  const auto sent = wire();
+  ASSERT_EQ(sent.size(), 8u);  // the Performance, Com0 first
+  EXPECT_EQ(sent[0].substr(18, 8), "50 00 00");
+  auto* folders = child<QListWidget>(window, "dirLdAid");
+  const auto inner = folders->findItems("inner", Qt::MatchExactly);
+  ASSERT_EQ(inner.size(), 1);
+  folders->setCurrentItem(inner[0]);
+  QTest::keyClick(folders, Qt::Key_Return);
+  EXPECT_EQ(form.loadAid().folder, (dir / "inner").string());
+  child<QPushButton>(window, "cmdLdAid")->click();
+  EXPECT_FALSE(window->isVisible());
+}
+
 // ---- The preferences -----------------------------------------------------------------------
 
 QString multiBox(int m) { return m == 8 ? "Chkmlt8" : numbered("ChkMlt", m); }
