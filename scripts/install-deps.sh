@@ -12,6 +12,8 @@ packages=(
   libbenchmark-dev                               # benchmarks in bench/
   xvfb xauth xdotool fonts-dejavu-core           # running the editor on a virtual display
   python3-mido midicsv                           # other programs that read the exported .mid and .syx in the tests
+  clang libclang-rt-14-dev                       # libFuzzer targets in fuzz/
+  desktop-file-utils appstream dpkg-dev file     # the desktop package: validators, .deb build and checks
 )
 
 missing=()
