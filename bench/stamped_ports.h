@@ -1,11 +1,13 @@
 #pragma once
 // What the benchmarks put between the program and the virtual CS2x: a screen that answers
 // every box at once and counts them, and ports that note when a message enters the output port
-// and when one comes back in, and how many messages and bytes went out.
+// and when one comes back in, and how many messages and bytes went out. The output can also
+// pause after each message, as editors that pace their sends by a fixed wait do.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "instrument/virtual_cs2x.h"
@@ -37,6 +39,7 @@ class QuietScreen : public Screen {
 struct Stamps {
   std::atomic<Clock::rep> requestOut{0}, replyIn{0};  // the latest message out, the latest in
   std::atomic<long> messages{0}, bytes{0};             // what went out
+  std::atomic<int> pauseMs{0};                         // a fixed pause after each message out
 };
 
 class StampedIn : public InPort {
@@ -63,7 +66,11 @@ class StampedOut : public OutPort {
     stamps_.requestOut = Clock::now().time_since_epoch().count();
     ++stamps_.messages;
     stamps_.bytes += static_cast<long>(m.size());
-    return inner_->send(m);
+    const bool sent = inner_->send(m);
+    // The pause comes before the service waits out the wire time; the sender is held for the
+    // sum either way.
+    if (const int pause = stamps_.pauseMs; pause > 0) std::this_thread::sleep_for(std::chrono::milliseconds(pause));
+    return sent;
   }
   std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
 
