@@ -1,7 +1,11 @@
 #include "shell/prefs.h"
 
+#include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -14,7 +18,44 @@ std::string programFolder() {
   return exe.parent_path().string();
 }
 
-std::string defaultPrefsPath() { return programFolder() + "/tessivo.ini"; }
+namespace {
+
+bool isAbsoluteFolder(const char* path) { return path != nullptr && path[0] == '/'; }
+
+// HOME, else the password database's entry for the user.
+const char* homeFolder() {
+  const char* home = std::getenv("HOME");
+  if (isAbsoluteFolder(home)) return home;
+  const passwd* entry = ::getpwuid(::getuid());
+  return entry != nullptr ? entry->pw_dir : nullptr;
+}
+
+// Creates each missing folder of `folder`, outermost first, readable by its owner alone.
+bool makeFolders(const std::filesystem::path& folder) {
+  std::error_code ec;
+  if (folder.empty() || std::filesystem::is_directory(folder, ec)) return true;
+  if (folder.parent_path() != folder && !makeFolders(folder.parent_path())) return false;
+  return ::mkdir(folder.c_str(), 0700) == 0 || (errno == EEXIST && std::filesystem::is_directory(folder, ec));
+}
+
+}  // namespace
+
+std::string prefsPathFor(const std::string& programDir, const char* xdgConfigHome, const char* home) {
+  const std::string beside = programDir + "/tessivo.ini";
+  std::error_code ec;
+  if (std::filesystem::exists(std::filesystem::path(programDir) / kPrefsBesideMarker, ec)) return beside;
+  std::string config;
+  if (isAbsoluteFolder(xdgConfigHome)) {
+    config = xdgConfigHome;
+  } else if (isAbsoluteFolder(home)) {
+    config = std::string(home) + "/.config";
+  } else {
+    return beside;
+  }
+  return config + "/tessivo/tessivo.ini";
+}
+
+std::string defaultPrefsPath() { return prefsPathFor(programFolder(), std::getenv("XDG_CONFIG_HOME"), homeFolder()); }
 
 std::optional<PrefsRecord> readPrefsRecord(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -25,6 +66,7 @@ std::optional<PrefsRecord> readPrefsRecord(const std::string& path) {
 }
 
 bool writePrefsRecord(const std::string& path, const PrefsRecord& record) {
+  if (!makeFolders(std::filesystem::path(path).parent_path())) return false;
   std::fstream out(path, std::ios::binary | std::ios::in | std::ios::out);  // keeps a longer tail
   if (!out) out.open(path, std::ios::binary | std::ios::out);
   if (!out) return false;

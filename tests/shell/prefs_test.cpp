@@ -1,5 +1,5 @@
-// The preferences record: its layout byte for byte, and what a missing, short, long or
-// nonsensical file gives. The round trip through the controls is the preferences' wiring.
+// The preferences record: its layout byte for byte, what a missing, short, long or
+// nonsensical file gives, and where it lives for a program in its build tree or installed. The round trip through the controls is the preferences' wiring.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -17,9 +17,10 @@ class Prefs : public ::testing::Test {
   test::TempFile file;
 
   // One program start up to the preferences form.
-  std::unique_ptr<App> start() {
+  std::unique_ptr<App> start() { return start(file.path); }
+  std::unique_ptr<App> start(const std::string& prefsPath) {
     auto app = std::make_unique<App>(midi, screen, [](int) {});
-    app->pref().prefsPath = file.path;
+    app->pref().prefsPath = prefsPath;
     app->Main();
     return app;
   }
@@ -112,6 +113,61 @@ TEST_F(Prefs, BrowseOffersWorkspacesAndCancelKeepsThePath) {
   EXPECT_EQ(screen.dialogs[0].filter, "Tessivo Workspace (*.tvw)|*.tvw");
   EXPECT_EQ(screen.dialogs[0].filterIndex, 2);
   EXPECT_EQ(screen.dialogs[0].flags, 4);
+}
+
+// A scratch folder with a program folder in it, removed with all it holds.
+struct ScratchFolder {
+  ScratchFolder() { std::filesystem::create_directories(program); }
+  ~ScratchFolder() {
+    std::error_code ec;
+    std::filesystem::remove_all(root.path, ec);
+  }
+  test::TempFile root;
+  std::string program = root.path + "/bin";
+};
+
+TEST(PrefsPlace, TheMarkerKeepsTheRecordBesideTheProgramElseTheUsersConfigurationFolderHoldsIt) {
+  ScratchFolder scratch;
+  const std::string& bin = scratch.program;
+  const std::string inConfig = "/home/u/.config/tessivo/tessivo.ini";
+  EXPECT_EQ(prefsPathFor(bin, "/x/cfg", "/home/u"), "/x/cfg/tessivo/tessivo.ini");
+  // An unset, empty or relative XDG_CONFIG_HOME is ignored.
+  EXPECT_EQ(prefsPathFor(bin, nullptr, "/home/u"), inConfig);
+  EXPECT_EQ(prefsPathFor(bin, "", "/home/u"), inConfig);
+  EXPECT_EQ(prefsPathFor(bin, "cfg", "/home/u"), inConfig);
+  // No folder of the user's at all: beside the program, where a save may fail but nothing else.
+  EXPECT_EQ(prefsPathFor(bin, nullptr, nullptr), bin + "/tessivo.ini");
+  EXPECT_EQ(prefsPathFor(bin, "", ""), bin + "/tessivo.ini");
+  // A writable program folder decides nothing (root's /usr/bin is); the marker alone does.
+  std::ofstream(scratch.root.path + "/" + kPrefsBesideMarker);
+  EXPECT_EQ(prefsPathFor(bin, "/x/cfg", "/home/u"), "/x/cfg/tessivo/tessivo.ini");
+  std::ofstream(bin + "/" + kPrefsBesideMarker);
+  EXPECT_EQ(prefsPathFor(bin, "/x/cfg", "/home/u"), bin + "/tessivo.ini");
+  EXPECT_EQ(prefsPathFor(bin, nullptr, nullptr), bin + "/tessivo.ini");
+}
+
+TEST_F(Prefs, TheFirstSaveMakesTheConfigurationFolderForTheUserAloneAndTheNextStartReadsIt) {
+  ScratchFolder scratch;
+  const std::string config = scratch.root.path + "/home/.config";
+  const std::string path = prefsPathFor(scratch.program, nullptr, (scratch.root.path + "/home").c_str());
+  ASSERT_EQ(path, config + "/tessivo/tessivo.ini");
+  auto app = start(path);
+  app->pref().Slider1.value = 2;
+  app->OKButton_Click();
+  ASSERT_EQ(std::filesystem::file_size(path), 169u);
+  for (const std::string& folder : {config, config + "/tessivo"})
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all) << folder;
+  EXPECT_EQ(start(path)->pref().Slider1.value, 2);
+  EXPECT_FALSE(std::filesystem::exists(scratch.program + "/tessivo.ini"));
+
+  // A file where the folder should be: the save fails, the program goes on.
+  std::ofstream(scratch.root.path + "/blocked");
+  const std::string blocked = scratch.root.path + "/blocked/tessivo/tessivo.ini";
+  EXPECT_FALSE(writePrefsRecord(blocked, PrefsRecord{}));
+  app = start(blocked);
+  app->OKButton_Click();
+  app->Timer1_Tick();
+  EXPECT_NE(app->mainForm(), nullptr);
 }
 
 }  // namespace tessivo
