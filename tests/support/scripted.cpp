@@ -93,6 +93,31 @@ std::vector<std::string> BuiltIn::wire() const {
   return out;
 }
 
+namespace {
+class FailingOut : public OutPort {
+ public:
+  FailingOut(FailingOutputs& owner, std::unique_ptr<OutPort> inner) : owner_(owner), inner_(std::move(inner)) {}
+  bool send(std::span<const std::uint8_t> message) override {
+    const int before = owner_.handed++;
+    if (owner_.beforeSend) owner_.beforeSend(before);
+    const bool sent = !owner_.failing && inner_->send(message);
+    if (!sent) ++owner_.refused;
+    return sent;
+  }
+  std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }
+
+ private:
+  FailingOutputs& owner_;
+  std::unique_ptr<OutPort> inner_;
+};
+}  // namespace
+
+std::unique_ptr<OutPort> FailingOutputs::openOutput(std::size_t index, MMRESULT& error) {
+  auto port = inner_.openOutput(index, error);
+  if (!port) return nullptr;
+  return std::make_unique<FailingOut>(*this, std::move(port));
+}
+
 MMRESULT arm(MidiService& midi, MidiHandle in, InBuffer& buffer, bool start) {
   if (MMRESULT r = midi.midiInPrepareHeader(in, &buffer.hdr, kMidiHdrSize)) return r;
   if (MMRESULT r = midi.midiInAddBuffer(in, &buffer.hdr, kMidiHdrSize)) return r;
@@ -239,6 +264,7 @@ bool ScriptedScreen::showOpen(FileDialog& dialog) {
   if (openAnswers.empty()) return false;
   dialog.fileName = openAnswers.front();
   openAnswers.pop_front();
+  if (afterOpen) afterOpen(dialog.fileName);
   return true;
 }
 

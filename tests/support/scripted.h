@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <map>
@@ -124,6 +125,9 @@ class ScriptedScreen : public Screen {
   void startTimer(int intervalMs) override { events_.push_back("timer " + std::to_string(intervalMs)); }
   bool showOpen(FileDialog& dialog) override;
   bool showSave(FileDialog& dialog) override;
+  // Runs with the file chosen in an open dialog once the dialog has closed, before the
+  // program reads it: what happens to a file between the dialog and the read.
+  std::function<void(const std::string& path)> afterOpen;
 
  private:
   void log(const char* what, FormId form);
@@ -205,6 +209,28 @@ class StartedOnInstrument : public ::testing::Test, protected BuiltIn {
   App app{midi, screen};
   TempFile prefs;
   MainForm* form = nullptr;
+};
+
+// A device family in front of another whose output ports can be made to fail: while `failing`
+// is set, every message handed to them is refused. `beforeSend`, when set, runs on the
+// sender's thread before each message with the number of messages handed on before it.
+class FailingOutputs : public PortProvider {
+ public:
+  explicit FailingOutputs(PortProvider& inner) : inner_(inner) {}
+  std::atomic<bool> failing{false};
+  std::atomic<int> handed{0};   // messages the ports were given
+  std::atomic<int> refused{0};  // of them, those that did not go out (here or in the port behind)
+  std::function<void(int handedBefore)> beforeSend;
+
+  std::vector<std::string> inputNames() override { return inner_.inputNames(); }
+  std::vector<std::string> outputNames() override { return inner_.outputNames(); }
+  std::unique_ptr<InPort> openInput(std::size_t index, MMRESULT& error) override {
+    return inner_.openInput(index, error);
+  }
+  std::unique_ptr<OutPort> openOutput(std::size_t index, MMRESULT& error) override;
+
+ private:
+  PortProvider& inner_;
 };
 
 // A whole file's bytes, and a file of exactly these bytes.
