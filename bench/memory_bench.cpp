@@ -5,7 +5,12 @@
 // onto Multis, loads and saves of every own file type and the exports through Qt's file dialogs.
 // VmRSS and VmHWM are sampled after the start and after every quarter of an hour's worth.
 //
-//   memory_bench [hours]     (4 unless given)
+// Beside them, the bytes malloc holds for the program (mallinfo2): what is live, apart from
+// what the allocator keeps for later. The work can be narrowed to some kinds, to find what grows.
+//
+//   memory_bench [hours] [releases,lists,auditions,drops,files]     (4 hours, every kind)
+// ("filecalls": the saves and loads without the file dialogs.)
+#include <malloc.h>
 #include <stdlib.h>  // mkdtemp
 
 #include <QAbstractItemView>
@@ -33,6 +38,7 @@
 #include <string>
 
 #include "edit/slider_map.h"
+#include "files/files.h"
 #include "instrument/virtual_cs2x.h"
 #include "link/port_service.h"
 #include "link/rtmidi_ports.h"
@@ -140,31 +146,36 @@ struct Counts {
 
 class Musician {
  public:
-  Musician(MainWindow* main, Answers& answers, const std::filesystem::path& folder)
-      : main_(main), answers_(answers), folder_(folder) {}
+  Musician(MainForm& form, MainWindow* main, Answers& answers, const std::filesystem::path& folder, const QString& kinds)
+      : form_(form), main_(main), answers_(answers), folder_(folder) {
+    const QStringList k = kinds.split(',');
+    releases_ = k.contains("releases"), lists_ = k.contains("lists"), auditions_on_ = k.contains("auditions");
+    drops_on_ = k.contains("drops"), files_on_ = k.contains("files"), undialogued_ = k.contains("filecalls");
+  }
 
   // A quarter of an hour's work: 750 slider releases, 75 list picks, 150 auditions, 10 drops,
   // 15 saves, 15 loads and 2 exports.
   void quarter(Counts& n) {
     for (int i = 0; i < 750; ++i) {
-      if (i % 50 == 0) openPanel();
-      releaseSlider();
-      ++n.releases;
-      if (i % 10 == 0) {
+      if (releases_) {
+        if (i % 50 == 0) openPanel();
+        releaseSlider();
+        ++n.releases;
+      }
+      if (lists_ && i % 10 == 0) {
         pickList();
         ++n.lists;
       }
-      if (i % 5 == 0) {
+      if (auditions_on_ && i % 5 == 0) {
         audition();
         ++n.auditions;
       }
-      if (i % 75 == 0) {
+      if (drops_on_ && i % 75 == 0) {
         drops();
         n.drops += 2;
       }
-      if (i % 50 == 25) {
-        fileWork(n);
-      }
+      if (files_on_ && i % 50 == 25) fileWork(n);
+      if (undialogued_ && i % 50 == 25) fileCalls(n);
       QApplication::processEvents();
     }
     click(child(main_, "CmdClrLyrPool"));  // the Pool emptied now and then
@@ -240,19 +251,39 @@ class Musician {
     }
     ++files_;
   }
+  // The same saves and loads without Qt's file dialog: the logic's readers and writers, then the
+  // form rendered, as after the dialog.
+  void fileCalls(Counts& n) {
+    static const std::pair<void (Files::*)(), void (Files::*)()> kinds[] = {
+        {&Files::SvWrkSpaceFile, &Files::LdWrkSpaceFile}, {&Files::SvSetupFile, &Files::LdFullSetupFile},
+        {&Files::SvPerformFile, &Files::LdPerformFile},   {&Files::SvLyrPoolFile, &Files::LdLyrPoolFile},
+        {&Files::SvMultAllFile, &Files::LdMultAllFile}};
+    static const char* const names[] = {"work.tvw", "setup.tvf", "perf.tvx", "pool.tvp", "multis.tvm"};
+    Files& files = form_.files();
+    files.CommonDialog1.fileName = files.CurFilePath = (folder_ / names[files_ % 5]).string();
+    (files.*kinds[files_ % 5].first)();
+    ++n.saves;
+    (files.*kinds[files_ % 5].second)();
+    ++n.loads;
+    main_->render();
+    ++files_;
+  }
 
+  MainForm& form_;
   MainWindow* main_;
   Answers& answers_;
   std::filesystem::path folder_;
   int panels_ = 0, multi_ = 5, picks_ = 0, auditions_ = 0, drops_ = 0, files_ = 0;
   std::size_t step_ = 0;
   bool onEffects_ = false;
+  bool releases_ = true, lists_ = true, auditions_on_ = true, drops_on_ = true, files_on_ = true, undialogued_ = false;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const int hours = argc > 1 ? std::max(1, std::atoi(argv[1])) : 4;
+  const QString kinds = argc > 2 ? QString(argv[2]) : QString("releases,lists,auditions,drops,files");
   if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   // The offscreen platform says of every raise and grab that it has none.
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
@@ -289,17 +320,19 @@ int main(int argc, char** argv) {
                 qgetenv("QT_QPA_PLATFORM").constData());
     std::printf("An hour's worth: 3000 slider releases, 300 list picks, 600 auditions, 40 Layers dropped into the\n"
                 "Pool and 40 Pool entries onto Multis, 60 saves, 60 loads, about 8 exports; as fast as they go.\n");
-    std::printf("%-22s %9s %9s %9s %9s %9s %9s %8s %10s\n", "", "VmRSS MB", "VmHWM MB", "releases", "lists",
-                "auditions", "loads", "saves", "messages");
+    std::printf("Work: %s\n", qPrintable(kinds));
+    std::printf("%-22s %9s %9s %9s %9s %9s %9s %9s %8s %10s\n", "", "VmRSS MB", "VmHWM MB", "malloc MB", "releases",
+                "lists", "auditions", "loads", "saves", "messages");
     Counts n;
     auto sample = [&](const std::string& when) {
       const auto [rss, hwm] = memory();
-      std::printf("%-22s %9.1f %9.1f %9ld %9ld %9ld %9ld %8ld %10ld\n", when.c_str(), rss / 1024.0, hwm / 1024.0,
-                  n.releases, n.lists, n.auditions, n.loads, n.saves, stamps.messages.load());
+      const struct mallinfo2 heap = mallinfo2();
+      std::printf("%-22s %9.1f %9.1f %9.1f %9ld %9ld %9ld %9ld %8ld %10ld\n", when.c_str(), rss / 1024.0, hwm / 1024.0,
+                  static_cast<double>(heap.uordblks) / 1048576.0, n.releases, n.lists, n.auditions, n.loads, n.saves, stamps.messages.load());
       std::fflush(stdout);
     };
     sample("after start");
-    Musician musician(main, answers, folder);
+    Musician musician(*app.logic().mainForm(), main, answers, folder, kinds);
     for (int h = 0; h < hours; ++h)
       for (int q = 1; q <= 4; ++q) {
         musician.quarter(n);
