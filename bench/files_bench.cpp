@@ -211,11 +211,17 @@ void workspaceSave(const std::filesystem::path& folder, int count) {
   row("  record building (the save's calls, outside Files)", builds);
   row("  write alone (temporary file, fsync, rename)", writes);
   row("LdWrkSpaceFile, not paced (the load besides its wire time)", loads);
-  // A save that wrote nothing would look fast: the sizes of what each wrote.
+  // A save that wrote nothing would look fast: each once more where no file stands, and the
+  // size of what it wrote.
   for (const Save& kind : kinds) {
+    const auto file = folder / kind.file;
     std::error_code error;
-    const auto size = std::filesystem::file_size(folder / kind.file, error);
-    std::printf("%s: %s, %lld bytes\n", kind.file, kind.name, error ? -1LL : static_cast<long long>(size));
+    std::filesystem::remove(file, error);
+    files.CommonDialog1.fileName = file.string();
+    (files.*kind.run)();
+    const auto size = std::filesystem::file_size(file, error);
+    std::printf("%s: %s, %s\n", kind.file, kind.name,
+                error ? "NOTHING WRITTEN" : (std::to_string(size) + " bytes").c_str());
   }
   std::printf("Files written to %s; %s\n", folder.c_str(),
               same ? "the save's file equals the record built outside Files" : "THE SAVE'S FILE DIFFERS from the record built outside Files");
