@@ -10,6 +10,9 @@
 
 int main(int argc, char** argv) {
   QApplication qapp(argc, argv);
+#ifdef TESSIVO_APP_ID
+  QGuiApplication::setDesktopFileName(TESSIVO_APP_ID);  // ties the windows to the menu entry and its icon
+#endif
   QApplication::setQuitOnLastWindowClosed(false);  // the program ends when its logic says so
   QFont font = QApplication::font();
   font.setPixelSize(11);  // the forms' layout is made for a small standard font
