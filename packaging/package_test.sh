@@ -17,6 +17,9 @@ fail() {
 }
 step() { echo "== $*"; }
 
+for tool in cpack dpkg-deb desktop-file-validate appstreamcli apt-get file xvfb-run xdotool; do
+  command -v "$tool" > /dev/null || fail "$tool is not installed"
+done
 [[ -x $build/tessivo ]] || fail "no program at $build/tessivo: build it first"
 [[ -f $build/tessivo.portable ]] || fail "the build tree has no tessivo.portable beside the program"
 

@@ -14,9 +14,39 @@ set(TESSIVO_PACKAGE_MAINTAINER "Tessivo developers <tessivo@example.org>"
     CACHE STRING "Maintainer field of the Debian package")
 
 # A program started from its build tree keeps its preferences beside itself; this file there
-# says so (src/shell/prefs.h). The install copies the program alone, never this file.
-file(GENERATE OUTPUT "$<TARGET_FILE_DIR:tessivo>/tessivo.portable"
-     CONTENT "Tessivo keeps its preferences (tessivo.ini) in the folder that holds this file.\n")
+# says so (src/shell/prefs.h). The install copies the program alone, never this file. Every
+# folder of the build that holds a program gets one, so a benchmark or tool that starts the
+# editor's logic never touches the user's own preferences.
+function(tessivo_program_folders dir out)
+  set(folders ${${out}})
+  get_property(targets DIRECTORY ${dir} PROPERTY BUILDSYSTEM_TARGETS)
+  foreach(target IN LISTS targets)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE")
+      get_target_property(folder ${target} RUNTIME_OUTPUT_DIRECTORY)
+      if(NOT folder)
+        get_target_property(folder ${target} BINARY_DIR)
+      endif()
+      list(APPEND folders ${folder})
+    endif()
+  endforeach()
+  get_property(subdirs DIRECTORY ${dir} PROPERTY SUBDIRECTORIES)
+  foreach(subdir IN LISTS subdirs)
+    tessivo_program_folders(${subdir} folders)
+  endforeach()
+  list(REMOVE_DUPLICATES folders)
+  set(${out} ${folders} PARENT_SCOPE)
+endfunction()
+function(tessivo_mark_program_folders)
+  set(folders)
+  tessivo_program_folders(${CMAKE_SOURCE_DIR} folders)
+  foreach(folder IN LISTS folders)
+    file(GENERATE OUTPUT "${folder}/tessivo.portable"
+         CONTENT "Tessivo keeps its preferences (tessivo.ini) in the folder that holds this file.\n")
+  endforeach()
+endfunction()
+# At the end of the top folder, when every program is declared.
+cmake_language(DEFER DIRECTORY ${CMAKE_SOURCE_DIR} CALL tessivo_mark_program_folders)
 
 install(TARGETS tessivo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 target_compile_definitions(tessivo PRIVATE TESSIVO_APP_ID="${TESSIVO_APP_ID}")
@@ -45,7 +75,8 @@ if(RSVG_CONVERT)
   endforeach()
   add_custom_target(tessivo_icons ALL DEPENDS ${_icon_pngs})
 else()
-  message(WARNING "rsvg-convert (Debian package librsvg2-bin) not found: the icon is installed as SVG only")
+  message(WARNING "rsvg-convert (Debian package librsvg2-bin) not found: the icon is installed as SVG only, "
+                  "and the package test fails")
 endif()
 
 # The Debian package. dpkg-shlibdeps finds the Qt 6, RtMidi and JACK runtime libraries the
@@ -70,7 +101,8 @@ instrument through the ALSA sequencer or JACK; a built-in virtual instrument
 lets it be tried without hardware.")
 include(CPack)
 
-if(BUILD_TESTING)
+# Not for a sanitizer build: that program is no one's to install.
+if(BUILD_TESTING AND NOT TESSIVO_SANITIZE)
   # Builds the package, checks it, installs it and starts the installed program on Xvfb.
   add_test(NAME package
            COMMAND bash ${CMAKE_CURRENT_LIST_DIR}/package_test.sh ${CMAKE_BINARY_DIR} ${TESSIVO_APP_ID} ${PROJECT_VERSION})
