@@ -54,6 +54,7 @@ inline StreamPlan makePlan(Reader& r, std::size_t maxMessages = 96) {
         }
         plan.expected.push_back(m);
         running = 0;
+        if (k & 0x20) plan.stream.push_back(static_cast<std::uint8_t>(r.byte() & 0x7F));  // data with no status: dropped
         break;
       }
       case 2: {  // system common: cancels running status
@@ -63,7 +64,8 @@ inline StreamPlan makePlan(Reader& r, std::size_t maxMessages = 96) {
         for (std::size_t i = 0; i < dataBytesOf(status); ++i) m.push_back(static_cast<std::uint8_t>(r.byte() & 0x7F));
         plan.stream.insert(plan.stream.end(), m.begin(), m.end());
         plan.expected.push_back(m);
-        running = 0;
+        running = 0;  // and a data byte behind it has no status to belong to
+        if (k & 0x80) plan.stream.push_back(static_cast<std::uint8_t>(r.byte() & 0x7F));
         break;
       }
       default: {  // a channel message, its status left out where running status allows
