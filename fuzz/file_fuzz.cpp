@@ -115,10 +115,15 @@ void checkPool(const ProgramState& s, std::span<const std::uint8_t> rec) {
   }
   FUZZ_PROMISE(sameRange(s.poolIds, rec.subspan(kIdsAt, kPoolRecords)) && s.poolCount == rec[kCountAt],
                "the list's slots and count are the record's");
+  // Two entries on one slot would lose one of them: deleting either frees the slot the other
+  // still shows, and the next drop overwrites it. A slot listed twice ends the list like one
+  // that does not exist.
   std::size_t listed = 0;
-  while (listed < std::min<std::size_t>(s.poolCount, kPoolRecords) && s.poolIds[listed] < kPoolRecords) ++listed;
+  std::array<bool, kPoolRecords> seen{};
+  while (listed < std::min<std::size_t>(s.poolCount, kPoolRecords) && s.poolIds[listed] < kPoolRecords && !seen[s.poolIds[listed]])
+    seen[s.poolIds[listed++]] = true;
   FUZZ_PROMISE(s.listItems.size() == listed && s.listData.size() == listed,
-               "the list holds the record's entries up to the first slot that does not exist");
+               "the list holds the record's entries up to the first slot that does not exist or is listed already");
   std::array<bool, kPoolRecords> used{};
   for (std::size_t k = 0; k < listed; ++k) {
     FUZZ_PROMISE(s.listData[k] == s.poolIds[k], "each list entry points at its slot");

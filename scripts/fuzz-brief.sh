@@ -27,7 +27,8 @@ cmake --build "$build"
 rm -rf "$build/seeds"
 "$build/make_seeds" "$build/seeds" >/dev/null
 mkdir -p "$build/findings"
-scratch="$(mktemp -d "${TMPDIR:-/tmp}/tessivo-fuzz.XXXXXX")"
+tmp="/dev/shm"; [ -d "$tmp" ] && [ -w "$tmp" ] || tmp="${TMPDIR:-/tmp}"  # a listing's save syncs its file
+scratch="$(mktemp -d "$tmp/tessivo-fuzz.XXXXXX")"
 trap 'rm -rf "$scratch"' EXIT
 
 run_one() {
@@ -35,7 +36,6 @@ run_one() {
   mkdir -p "$corpus"
   local dirs=("$corpus" "$build/seeds/$t")
   [ -d "$root/fuzz/corpus/$t" ] && dirs+=("$root/fuzz/corpus/$t")
-  # Scratch files on a memory file system where there is one: a listing's save syncs its file.
   if TMPDIR="$scratch" "$build/$t" -max_total_time="$seconds" -max_len="$(max_len_of "$t")" -timeout=20 \
       -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$build/findings/$t-" "${dirs[@]}" >"$log" 2>&1; then
     printf '%-24s %10s inputs  ok\n' "$t" "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"

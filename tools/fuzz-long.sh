@@ -26,7 +26,8 @@ if [ "${FUZZ_LONG_NOBUILD:-0}" != 1 ]; then
 fi
 out="$build/long"
 mkdir -p "$out"
-scratch="$(mktemp -d "${TMPDIR:-/tmp}/tessivo-fuzz-long.XXXXXX")"
+tmp="/dev/shm"; [ -d "$tmp" ] && [ -w "$tmp" ] || tmp="${TMPDIR:-/tmp}"  # a listing's save syncs its file
+scratch="$(mktemp -d "$tmp/tessivo-fuzz-long.XXXXXX")"
 trap 'rm -rf "$scratch"' EXIT
 results="$out/results.txt"
 header="$(printf '%-24s %12s %9s %9s %9s' target inputs seconds exec/s findings)"

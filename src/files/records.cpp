@@ -56,9 +56,13 @@ void takePoolRec(std::span<const std::uint8_t> rec, LayerPool& pool) {
   pool.PoolCount = rec[kPoolCountAt];
   pool.freeAll();
   pool.LbxLyrPool.clear();
+  std::array<bool, kPoolRecords> listed{};
   for (std::size_t k = 0; k < pool.PoolCount && k < kPoolRecords; ++k) {
     const int slot = pool.PoolIds[k];
-    if (slot >= kPoolRecords) return;  // no such slot: the list ends here
+    // No such slot, or one listed already (deleting either entry would free the other's
+    // record for the next drop): the list ends here.
+    if (slot >= kPoolRecords || listed[static_cast<std::size_t>(slot)]) return;
+    listed[static_cast<std::size_t>(slot)] = true;
     const auto* name = reinterpret_cast<const std::uint8_t*>(pool.Pool[k].Name.data());
     pool.LbxLyrPool.addItem(fromCodePage({name, kRecNameBytes}), slot);
     pool.PoolFree[static_cast<std::size_t>(slot)] = kPoolInUse;

@@ -38,8 +38,8 @@ std::string captionFromRec(std::span<const std::uint8_t> rec, int multi);
 // The Layer Pool as a PoolRec. The list's texts and slots go into the Pool's names and ids
 // first (they stay there after the save), then the whole Pool is copied.
 void putPoolRec(std::span<std::uint8_t> rec, LayerPool& pool);
-// A PoolRec into the Pool, its list and its free marks. A slot in PoolIds that does not exist
-// ends the list there.
+// A PoolRec into the Pool, its list and its free marks. A slot in PoolIds that does not exist,
+// or that an earlier entry holds already, ends the list there.
 void takePoolRec(std::span<const std::uint8_t> rec, LayerPool& pool);
 
 }  // namespace tessivo
