@@ -37,9 +37,16 @@ inline std::string scratchPath(const std::string& name) {
   return std::string(dir && *dir ? dir : "/tmp") + "/tessivo-fuzz-" + std::to_string(::getpid()) + "-" + name;
 }
 
+// A scratch file that cannot be written is the rig's failure, not the program's: said so, and
+// the run ends before a load of a missing file could count as a broken promise.
 inline void writeBytes(const std::string& path, std::span<const std::uint8_t> bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.close();
+  if (!out) {
+    std::fprintf(stderr, "fuzz rig: cannot write %s (the scratch folder is gone?); not a finding\n", path.c_str());
+    std::abort();
+  }
 }
 
 inline Bytes readBytes(const std::string& path) {
