@@ -136,7 +136,7 @@ void expectFoundFromOutside(QWidget* window, const QString& title) {
       caption.remove('&');
       EXPECT_EQ(found(w->parentWidget(), role, caption), QStringList{name});
     } else if (qobject_cast<QComboBox*>(w)) {
-      EXPECT_TRUE(name.startsWith("CmbMult") && name != "CmbMult5" ||
+      EXPECT_TRUE((name.startsWith("CmbMult") && name != "CmbMult5") ||
                   std::any_of(all.begin(), all.end(), [w](QWidget* l) { return qobject_cast<QLabel*>(l) && static_cast<QLabel*>(l)->buddy() == w; }));
     } else if (auto* frame = qobject_cast<QGroupBox*>(w)) {
       EXPECT_EQ(e->text(QAccessible::Name), frame->title().isEmpty() ? name : frame->title());

@@ -19,7 +19,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 
 #include "data/multi_template.h"
@@ -90,6 +89,25 @@ std::unique_ptr<QMimeData> dragged(QWidget* source, QWidget* events = nullptr, s
 
 // Each row's gesture, then its wire byte for byte (the instrument takes a long message apart
 // into the messages it holds) and the values that changed; then a row for every control.
+// "*" in an expected wire stands for the data of a bulk dump, which the logic's own tests pin
+// byte for byte: the pieces between the stars come in order, the first at the start and the
+// last at the end.
+bool matchesWithGaps(const std::string& sent, const std::string& expected) {
+  std::vector<std::string> pieces(1);
+  for (char c : expected) {
+    if (c == '*') pieces.emplace_back();
+    else pieces.back().push_back(c);
+  }
+  if (!sent.starts_with(pieces.front())) return false;
+  std::size_t at = pieces.front().size();
+  for (std::size_t i = 1; i + 1 < pieces.size(); ++i) {
+    at = sent.find(pieces[i], at);
+    if (at == std::string::npos) return false;
+    at += pieces[i].size();
+  }
+  return sent.size() >= at + pieces.back().size() && sent.ends_with(pieces.back());
+}
+
 void runTable(QWidget* form, const std::vector<Row>& rows, const std::function<State()>& state,
               const std::function<void()>& clearWire, const std::function<Wire()>& wire) {
   auto bytesOf = [](const Wire& w) {
@@ -105,11 +123,8 @@ void runTable(QWidget* form, const std::vector<Row>& rows, const std::function<S
     clearWire();
     row.gesture();
     const std::string expected = bytesOf(row.wire), sent = bytesOf(wire());
-    // "*" stands for the data of a bulk dump, which the logic's own tests pin byte for byte.
-    std::string pattern;
-    for (char c : expected) pattern += c == '*' ? std::string("[0-9A-F ]*?") : std::string(1, c);
     if (expected.find('*') == std::string::npos) EXPECT_EQ(sent, expected);
-    else EXPECT_TRUE(std::regex_match(sent, std::regex(pattern))) << sent << "\n  expected " << expected;
+    else EXPECT_TRUE(matchesWithGaps(sent, expected)) << sent << "\n  expected " << expected;
     State changed;
     for (const auto& [key, value] : state())
       if (!before.contains(key) || before.at(key) != value) changed[key] = value;

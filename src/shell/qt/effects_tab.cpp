@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
+
+#include <functional>
 #include <algorithm>
 
 #include "data/tables.h"
@@ -132,8 +134,8 @@ QPushButton* EffectsTab::button(const char* name, const ButtonCtl& ctl, const ch
   b->setToolTip(tip);
   useSmallFont(b);
   b->setFixedWidth(buttonWidthFor(b, {b->text()}) + kButtonPadding);
-  connect(b, &QPushButton::clicked, this, [this, handler] {
-    (panel_.*handler)();
+  connect(b, &QPushButton::clicked, this, [this, click = std::bind_front(handler, &panel_)] {
+    click();
     handled_();
   });
   return b;
