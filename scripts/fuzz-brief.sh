@@ -4,7 +4,7 @@
 # earlier runs kept. Exits non-zero on any finding; the input that broke a promise is left in
 # the build folder's findings/ as <target>-crash-*.
 #
-#   bash scripts/fuzz-brief.sh            about 20 s a target, two at a time
+#   bash scripts/fuzz-brief.sh            15 s a target, two at a time
 #   FUZZ_SECONDS=60 bash scripts/fuzz-brief.sh
 #
 # Needs clang and libclang-rt-14-dev (and the core's librtmidi-dev, libjack-jackd2-dev,
@@ -14,7 +14,7 @@ set -euo pipefail
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 root="$(cd "$here/.." && pwd)"
 build="${FUZZ_BUILD:-$root/build-fuzz}"
-seconds="${FUZZ_SECONDS:-20}"
+seconds="${FUZZ_SECONDS:-15}"
 jobs="${FUZZ_JOBS:-2}"
 
 source "$root/fuzz/targets.sh"  # TARGETS and max_len_of
