@@ -26,7 +26,7 @@ cmake --build "$build"
 # whatever earlier runs found (the committed corpus itself is never written to).
 rm -rf "$build/seeds"
 "$build/make_seeds" "$build/seeds" >/dev/null
-mkdir -p "$build/findings"
+rm -rf "$build/findings" && mkdir -p "$build/findings"  # this run's findings alone
 tmp="/dev/shm"; [ -d "$tmp" ] && [ -w "$tmp" ] || tmp="${TMPDIR:-/tmp}"  # a listing's save syncs its file
 scratch="$(mktemp -d "$tmp/tessivo-fuzz.XXXXXX")"
 trap 'rm -rf "$scratch"' EXIT
