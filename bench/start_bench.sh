@@ -2,12 +2,11 @@
 # Times the start of the editor on a display of its own (Xvfb), beside its twin that pauses
 # 50 ms after each message it sends:
 #   bash bench/start_bench.sh [BUILD_DIR] [RUNS]      (build/ and 10 runs unless given)
+# It builds the editor, the twin and the timer in BUILD_DIR first.
 set -euo pipefail
 build=${1:-build}
 runs=${2:-10}
-for f in "$build/tessivo" "$build/bench/tessivo-paced" "$build/bench/start_bench"; do
-  [[ -x $f ]] || { echo "missing $f: cmake --build $build --target tessivo tessivo-paced start_bench" >&2; exit 2; }
-done
+cmake --build "$build" --target tessivo tessivo-paced start_bench >/dev/null
 
 # Xvfb picks a free display and writes its number to the descriptor given.
 exec {fd}<> <(:)
