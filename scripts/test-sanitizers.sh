@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The test suite again under sanitizers, each in a build of its own:
 #   build-asan  every test under AddressSanitizer (with LeakSanitizer) and UndefinedBehaviorSanitizer
-#   build-tsan  the threaded parts under ThreadSanitizer: the link, the virtual instrument and the
-#               end-to-end runs over JACK
+#   build-tsan  the threaded parts under ThreadSanitizer: the link, the virtual instrument, the
+#               end-to-end runs over JACK and the fault tests
 # Any finding fails the test that made it. Suppressions, each with its reason, are in
 # tests/sanitizers/.
 set -euo pipefail
@@ -21,6 +21,7 @@ ctest --test-dir build-asan --output-on-failure --timeout 600
 
 echo "== ThreadSanitizer: the link, the virtual instrument, the end-to-end runs"
 cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSIVO_SANITIZE=thread
-cmake --build build-tsan --target core_tests e2e_jack_tests e2e_jack_gone_tests virtual-cs2x
+cmake --build build-tsan --target core_tests e2e_jack_tests e2e_jack_gone_tests virtual-cs2x \
+  faults_tests faults_jack_gone_tests faults_flood_tests
 # The Qt forms run on one thread and are not built here.
 ctest --test-dir build-tsan --output-on-failure --timeout 600 -E '^qt_'

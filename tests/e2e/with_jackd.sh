@@ -11,6 +11,8 @@ trap '[ -n "$jackd_pid" ] && { kill $jackd_pid 2>/dev/null || true; wait $jackd_
 # Starts a server called $1 and waits until it runs (0) or has given up (1).
 start_server() {
   export JACK_DEFAULT_SERVER="$1"
+  # A server of that name run by someone else (another test run) is theirs, never ours.
+  if [ "$(jack_wait -c 2>/dev/null)" = running ]; then return 1; fi
   # A generous client timeout: on a busy machine a client that misses a cycle must not be
   # thrown out of the graph in the middle of a test.
   jackd -n "$JACK_DEFAULT_SERVER" -r -t 10000 -d dummy -r 48000 -p 512 >"$log" 2>&1 &
@@ -21,7 +23,10 @@ start_server() {
       jackd_pid=""
       return 1
     fi
-    if [ "$(jack_wait -c 2>/dev/null)" = running ]; then return 0; fi
+    if [ "$(jack_wait -c 2>/dev/null)" = running ] && kill -0 "$jackd_pid" 2>/dev/null &&
+       ! grep -q "already active" "$log"; then
+      return 0
+    fi
     sleep 0.1
   done
   return 1
