@@ -14,6 +14,7 @@ packages=(
   python3-mido midicsv                           # other programs that read the exported .mid and .syx in the tests
   clang libclang-rt-14-dev                       # libFuzzer targets in fuzz/
   desktop-file-utils appstream dpkg-dev file     # the desktop package: validators, .deb build and checks
+  librsvg2-bin                                   # the icon's PNG sizes drawn from its SVG at build time
 )
 
 missing=()
