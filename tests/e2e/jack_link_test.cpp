@@ -45,12 +45,13 @@ class Peer {
       self->out_.sendMessage(self->reply_.data(), self->reply_.size());
     self->cv_.notify_all();
   }
-  RtMidiOut out_{RtMidi::UNIX_JACK, "Peer"};
-  RtMidiIn in_{RtMidi::UNIX_JACK, "Peer"};
+  // What the callback touches exists before the ports, whose JACK thread runs the callback.
   std::mutex mutex_;
   std::condition_variable cv_;
   std::vector<Bytes> got_;
   Bytes reply_;
+  RtMidiOut out_{RtMidi::UNIX_JACK, "Peer"};
+  RtMidiIn in_{RtMidi::UNIX_JACK, "Peer"};
 };
 }  // namespace
 

@@ -15,7 +15,8 @@ start_server() {
   if [ "$(jack_wait -c 2>/dev/null)" = running ]; then return 1; fi
   # A generous client timeout: on a busy machine a client that misses a cycle must not be
   # thrown out of the graph in the middle of a test.
-  jackd -n "$JACK_DEFAULT_SERVER" -r -t 10000 -d dummy -r 48000 -p 512 >"$log" 2>&1 &
+  # TESSIVO_JACK_PERIOD gives a slowed build (ThreadSanitizer) longer cycles to finish its work in.
+  jackd -n "$JACK_DEFAULT_SERVER" -r -t 10000 -d dummy -r 48000 -p "${TESSIVO_JACK_PERIOD:-512}" >"$log" 2>&1 &
   jackd_pid=$!
   for _ in $(seq 100); do
     if ! kill -0 "$jackd_pid" 2>/dev/null; then
