@@ -9,7 +9,7 @@ packages=(
   librtmidi-dev libjack-jackd2-dev               # MIDI ports (RtMidi over ALSA or JACK)
   libgtest-dev libgmock-dev                      # unit tests
   jackd2                                         # JACK server for the end-to-end MIDI tests
-  libbenchmark-dev                               # benchmarks in bench/
+  libbenchmark-dev libx11-dev                    # benchmarks in bench/ (the start bench watches X windows)
   xvfb xauth xdotool fonts-dejavu-core           # running the editor on a virtual display
   python3-mido midicsv                           # other programs that read the exported .mid and .syx in the tests
   clang libclang-rt-14-dev                       # libFuzzer targets in fuzz/

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <QPushButton>
 
 #include "shell/qt/main_window.h"
@@ -56,6 +57,11 @@ QtApp::QtApp(MidiService& midi, QObject* parent) : QObject(parent), app_(midi, *
   QFont font = QApplication::font();
   font.setPixelSize(kFormFontPixels);
   QApplication::setFont(font);
+  // The file dialogs' icons fill Qt's pixmap cache up to its 10 MB limit over an afternoon's
+  // loads and saves; 2 MB holds what the forms show.
+  QPixmapCache::setCacheLimit(2048);
+  // The splash's one second: Qt's default coarse timer may fire it up to a tenth of a second late.
+  timer1_.setTimerType(Qt::PreciseTimer);
   timer1_.setSingleShot(false);
   connect(&timer1_, &QTimer::timeout, this, [this] {
     app_.Timer1_Tick();
