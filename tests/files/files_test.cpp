@@ -242,6 +242,13 @@ TEST_F(FileTypes, APoolFileKeepsOrderTextsAndFreeSlots) {
   EXPECT_EQ(form->pool().LbxLyrPool.items, Texts{"Alpha     "});
   EXPECT_EQ(form->pool().lowestFree(), 0);
   EXPECT_TRUE(screen.boxes.empty());
+  // So does a slot listed twice: two entries on one record would free it for the next drop
+  // when either is deleted.
+  broken[24768 + 1] = 2;
+  test::writeFile(b.path, broken);
+  loadFrom(&Files::LdLayerPool_Click, b.path);
+  EXPECT_EQ(form->pool().LbxLyrPool.itemData, (std::vector<int>{2}));
+  EXPECT_EQ(form->pool().lowestFree(), 0);
 }
 
 TEST_F(FileTypes, APerformanceLoadSendsItsSectionsWithThePreferencesChannel) {
