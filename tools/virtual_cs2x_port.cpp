@@ -156,6 +156,13 @@ int main(int argc, char** argv) {
       const timespec second{1, 0};
       const int signal = sigtimedwait(&stopSignals, nullptr, &second);
       if (signal == SIGINT || signal == SIGTERM) break;
+      // A JACK server that has gone takes the instrument's ports with it; a tool left running
+      // would only hold a client name that the next server's instrument wants. libjack crashes
+      // when a port of a dead server is closed, so the tool ends without closing them.
+      if (settings.system == MidiSystem::Jack && !tessivo::jackServerRunning()) {
+        std::fputs("virtual-cs2x: the JACK server has gone\n", stderr);
+        std::_Exit(0);
+      }
       instrument.clearLog();  // nobody reads the log here; it must not grow for ever
     }
 
