@@ -6,36 +6,14 @@
 #include <cstdio>
 #include <string_view>
 
+#include "e2e/instrument_process.h"
 #include "e2e/jack_side.h"
 
 namespace tessivo {
 
-namespace {
-// The virtual CS2x tool as a child process (the shell's pid comes first and stays the tool's);
-// it says "ready" once its ports are open.
-struct InstrumentProcess {
-  explicit InstrumentProcess(const std::string& name)
-      : out(popen(("echo $$; exec '" VIRTUAL_CS2X_TOOL "' --jack --name " + name).c_str(), "r")) {
-    if (out && std::fscanf(out, "%d", &pid) != 1) pid = -1;
-  }
-  ~InstrumentProcess() {
-    if (pid > 0) kill(pid, SIGTERM);
-    if (out) pclose(out);
-  }
-  bool waitReady() {
-    char line[256];
-    while (out && std::fgets(line, sizeof line, out))
-      if (std::string_view(line).starts_with("ready")) return true;
-    return false;
-  }
-  FILE* out;
-  pid_t pid = -1;
-};
-}  // namespace
-
 TEST(JackRetrieve, AWholePerformanceAndAMultiComeFromTheInstrumentBehindJack) {
   ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
-  InstrumentProcess instrument("E2E-CS2x");
+  test::InstrumentProcess instrument("E2E-CS2x");
   ASSERT_TRUE(instrument.waitReady());
   test::JackSide side;
   MidiLink& link = side.link;

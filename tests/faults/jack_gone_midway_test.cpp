@@ -9,32 +9,13 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "e2e/instrument_process.h"
 #include "faults/jack_program.h"
 
 namespace tessivo {
 using namespace std::chrono_literals;
 
 namespace {
-
-// The virtual CS2x tool behind JACK ports (the shell's pid first; exec keeps it), ready once
-// it has said so.
-struct Instrument {
-  Instrument() : out(popen("echo $$; exec '" VIRTUAL_CS2X_TOOL "' --jack --name Gone-CS2x", "r")) {
-    if (out && std::fscanf(out, "%d", &pid) != 1) pid = -1;
-  }
-  ~Instrument() {
-    if (pid > 0) kill(pid, SIGTERM);
-    if (out) pclose(out);
-  }
-  bool ready() {
-    char line[256];
-    while (out && std::fgets(line, sizeof line, out))
-      if (std::string_view(line).starts_with("ready")) return true;
-    return false;
-  }
-  FILE* out;
-  pid_t pid = -1;
-};
 
 // Stops the server as a user does and returns once it has gone and the program's watch has
 // seen a second without a cycle.
@@ -52,7 +33,7 @@ class JackGoneMidway : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(jackServerRunning()) << "the test needs a JACK server (tests/e2e/with_jackd.sh)";
-    ASSERT_TRUE(instrument.ready());
+    ASSERT_TRUE(instrument.waitReady());
     program = std::make_unique<test::JackProgram>();  // its device lists hold the instrument's ports
     ASSERT_TRUE(program->start("Gone-CS2x Out", "Gone-CS2x In"));
     ASSERT_TRUE(program->screen.boxes.empty());
@@ -63,7 +44,7 @@ class JackGoneMidway : public ::testing::Test {
     for (const test::Box& box : program->screen.boxes)
       EXPECT_TRUE(box.text.starts_with("Operation: MidiOutLongMsg \r\n")) << box.text;
   }
-  Instrument instrument;
+  test::InstrumentProcess instrument{"Gone-CS2x"};
   std::unique_ptr<test::JackProgram> program;
 };
 
