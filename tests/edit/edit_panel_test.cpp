@@ -92,7 +92,6 @@ TEST_F(Editing, OpeningAPartLoadsEveryControlAndEchoesOnlyOptionsThatChange) {
   section(5, 1)[64] = 1;     // portamento on
   form->row(6).CmdMult.caption = "Strings    M6";
   edit->EditMult_Click(6);
-  EXPECT_EQ(edit->EdtPart, 5);
   const auto value = [&](const char* control) { return edit->sliders[*sliderRow(control)].value; };
   const auto text = [&](const char* control) { return edit->texts[*sliderRow(control)].text; };
   EXPECT_EQ(value("SldLvVol"), 99);

@@ -49,12 +49,7 @@ TEST_F(Exports, TheSysExFileHoldsTheSixtyEightDumpsWithTheirOwnChecksums) {
   saveAs(&Files::SvSetupSyx_Click, syx.path);
   const Bytes f = test::readFile(syx.path);
   ASSERT_EQ(f.size(), 2760u);
-  EXPECT_EQ(f[0], 0xF0);
-  EXPECT_EQ(f[51], 0xF7);
-  EXPECT_EQ(f[52], 0xF0);
-  EXPECT_EQ(f[13], 3);
-  EXPECT_EQ(f[50], checksum(f, 0, 52));
-  EXPECT_NE(f[50], 0x55);
+  EXPECT_EQ(f[13], 3);  // the list's channel, and the checksum over it below
   EXPECT_EQ(form->images().multi.section(4, 0)[13], 0);  // the image keeps its bytes
   EXPECT_EQ(form->images().multi.section(4, 0)[50], 0x55);
   // Every message where the layout puts it, each with a right checksum, zeros behind 2502.

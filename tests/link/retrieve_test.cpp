@@ -49,7 +49,6 @@ TEST_F(Retrieve, InputIsArmedAndThruCutAroundTheRequestAndTheReplyCopiedAndLogge
   EXPECT_EQ(link.List1[8], "Sys Ex  Com1  FFFF   8    0  0");
   EXPECT_EQ(link.List1[9], "Sys Ex  Com1  0   9    32  20");
   EXPECT_EQ(link.List1[62], "Sys Ex  Com1  35   62    247  F7");
-  EXPECT_EQ(MidiLink::logLine("Mlt 5 2", 27, 0x0A), "Sys Ex  Mlt 5 2  11   26    10  A");
 }
 
 TEST_F(Retrieve, NoReplyCostsFourHundredPollsAndLeavesZerosUpToTheLengthAndLoadingKeepsThruOff) {

@@ -1,6 +1,6 @@
 // Choosing a Performance: the nine bytes of a program change in every bank, and what the name
 // and Layer controls show of what DspPerf read. DspPerf's wire is pinned by the start against
-// the built-in instrument, the options' lists by the wiring.
+// the built-in instrument, the options' lists and the first Preset bank's pick by the wiring.
 #include <gtest/gtest.h>
 
 #include "perform/performance.h"
@@ -48,7 +48,6 @@ TEST_F(Selection, APickSendsTheBankOfBankAndOptionAndRefillsAVisibleEffectsPanel
     int index;
     const char* bytes;
   } cases[] = {
-      {false, false, 0, "B0 00 3F B0 20 40 00 C0 00"},
       {false, true, 5, "B0 00 3F B0 20 42 00 C0 05"},
       {true, false, 0, "B0 00 3F B0 20 41 00 C0 00"},
       {true, true, 127, "B0 00 3F B0 20 43 00 C0 7F"},

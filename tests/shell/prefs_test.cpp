@@ -24,14 +24,6 @@ class Prefs : public ::testing::Test {
     app->Main();
     return app;
   }
-  Bytes fileBytes() const {
-    std::ifstream in(file.path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
-  }
-  void write(const Bytes& bytes) {
-    std::ofstream out(file.path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  }
 };
 
 TEST_F(Prefs, AMissingFileGivesTheDefaultsAndOkWritesEachSettingAtItsPlace) {
@@ -40,7 +32,7 @@ TEST_F(Prefs, AMissingFileGivesTheDefaultsAndOkWritesEachSettingAtItsPlace) {
   app->OKButton_Click();
   Bytes expected(169, 0);  // checks, devices, load flag; the path and 18 reserved bytes blank; two words
   std::fill(expected.begin() + 18, expected.begin() + 163, ' ');
-  EXPECT_EQ(fileBytes(), expected);
+  EXPECT_EQ(test::readFile(file.path), expected);
 
   PrefForm& p = app->pref();
   for (int m : {5, 8, 16}) p.ChkMlt(m).value = 1;
@@ -51,7 +43,7 @@ TEST_F(Prefs, AMissingFileGivesTheDefaultsAndOkWritesEachSettingAtItsPlace) {
   p.Slider1.value = 3;
   app->OKButton_Click();
   EXPECT_TRUE(midi.sent.empty());
-  const Bytes r = fileBytes();
+  const Bytes r = test::readFile(file.path);
   ASSERT_EQ(r.size(), 169u);
   EXPECT_EQ(test::hex(Bytes(r.begin(), r.begin() + 18)), "01 00 00 01 00 00 00 00 00 00 00 01 00 01 00 01 00 00");
   EXPECT_EQ(std::string(r.begin() + 18, r.begin() + 35), "/home/me/set.tvw ");
@@ -72,14 +64,14 @@ TEST_F(Prefs, OutOfRangeValuesReadAsZeroAndAnUnknownDeviceAsTheFirst) {
   setRecordWord(r, kPrefPerfChannel, 16);
   r[kPrefInDevice] = 7;  // the scripted service has two devices
   r[kPrefOutDevice] = 200;
-  write(Bytes(r.begin(), r.end()));
+  test::writeFile(file.path, Bytes(r.begin(), r.end()));
   auto app = start();
   EXPECT_EQ(app->pref().Slider1.value, 0);
   EXPECT_EQ(app->pref().cmbPerfChnl.text(), " 1");
   EXPECT_EQ(app->pref().Combo1.index(), 0);
   EXPECT_EQ(app->pref().Combo2.index(), 0);
   setRecordWord(r, kPrefPerfChannel, -1);
-  write(Bytes(r.begin(), r.end()));
+  test::writeFile(file.path, Bytes(r.begin(), r.end()));
   EXPECT_EQ(start()->pref().cmbPerfChnl.index(), 0);
 }
 
@@ -87,7 +79,7 @@ TEST_F(Prefs, FilesOfAnyLengthOrContentStartTheProgramAndALongerFileKeepsItsTail
   for (std::size_t length : {0u, 1u, 20u, 168u, 169u, 5000u}) {
     Bytes junk(length);
     for (std::size_t i = 0; i < length; ++i) junk[i] = static_cast<std::uint8_t>(i * 37 + 11);
-    write(junk);
+    test::writeFile(file.path, junk);
     auto app = start();
     app->OKButton_Click();
     app->Timer1_Tick();
@@ -96,9 +88,9 @@ TEST_F(Prefs, FilesOfAnyLengthOrContentStartTheProgramAndALongerFileKeepsItsTail
   }
   Bytes longer(300, 0x77);
   std::fill(longer.begin(), longer.begin() + 169, 0);
-  write(longer);
+  test::writeFile(file.path, longer);
   start()->OKButton_Click();
-  const Bytes all = fileBytes();
+  const Bytes all = test::readFile(file.path);
   ASSERT_EQ(all.size(), 300u);
   EXPECT_EQ(all[18], ' ');
   EXPECT_EQ(Bytes(all.begin() + 169, all.end()), Bytes(131, 0x77));
