@@ -40,27 +40,36 @@ std::shared_ptr<JackWatch> JackWatch::open() {
   jack_status_t status{};
   jack_client_t* client = jack_client_open("tessivo-watch", JackNoStartServer, &status);
   if (!client) return nullptr;
-  auto watch = std::shared_ptr<JackWatch>(new JackWatch(client));
-  jack_on_shutdown(client, &JackWatch::shutdown, watch.get());
-  jack_set_process_callback(client, &JackWatch::cycle, watch.get());
-  if (jack_activate(client) != 0) watch->gone_ = true;
+  auto watch = std::shared_ptr<JackWatch>(new JackWatch(client, new Seen));
+  jack_on_shutdown(client, &JackWatch::shutdown, watch->seen_);
+  jack_set_process_callback(client, &JackWatch::cycle, watch->seen_);
+  if (jack_activate(client) != 0) watch->seen_->gone = true;
   return watch;
 }
 
 JackWatch::~JackWatch() {
-  if (!serverGone()) jack_client_close(client_);
+  if (serverGone()) {
+    // Left behind with its client: a few bytes, once per server that went away.
+    static std::mutex mutex;
+    static auto* orphans = new std::vector<Seen*>;
+    std::lock_guard lock(mutex);
+    orphans->push_back(seen_);
+    return;
+  }
+  jack_client_close(client_);
+  delete seen_;
 }
 
 bool JackWatch::stopped() const {
-  return gone_ || std::chrono::steady_clock::now().time_since_epoch().count() - lastCycle_ > kStill.count();
+  return seen_->gone || std::chrono::steady_clock::now().time_since_epoch().count() - seen_->lastCycle > kStill.count();
 }
 
 bool JackWatch::serverGone() const { return stopped() || !jackServerRunning(); }
 
-void JackWatch::shutdown(void* watch) { static_cast<JackWatch*>(watch)->gone_ = true; }
+void JackWatch::shutdown(void* seen) { static_cast<Seen*>(seen)->gone = true; }
 
-int JackWatch::cycle(jack_nframes_t, void* watch) {
-  static_cast<JackWatch*>(watch)->lastCycle_ = std::chrono::steady_clock::now().time_since_epoch().count();
+int JackWatch::cycle(jack_nframes_t, void* seen) {
+  static_cast<Seen*>(seen)->lastCycle = std::chrono::steady_clock::now().time_since_epoch().count();
   return 0;
 }
 

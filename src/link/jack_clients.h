@@ -31,13 +31,18 @@ class JackWatch {
   bool serverGone() const;
 
  private:
-  explicit JackWatch(jack_client_t* client) : client_(client) {}
-  static void shutdown(void* watch);
-  static int cycle(jack_nframes_t, void* watch);
+  // What JACK's threads touch. Like the client, it is left behind when the server has gone: a
+  // dead server's client can be neither deactivated nor closed, so its thread may still be
+  // on its way out of a callback.
+  struct Seen {
+    std::atomic<bool> gone{false};
+    std::atomic<std::chrono::steady_clock::rep> lastCycle{std::chrono::steady_clock::now().time_since_epoch().count()};
+  };
+  JackWatch(jack_client_t* client, Seen* seen) : client_(client), seen_(seen) {}
+  static void shutdown(void* seen);
+  static int cycle(jack_nframes_t, void* seen);
   jack_client_t* client_;
-  std::atomic<bool> gone_{false};
-  std::atomic<std::chrono::steady_clock::rep> lastCycle_{
-      std::chrono::steady_clock::now().time_since_epoch().count()};
+  Seen* seen_;
 };
 
 // The input port "MIDI In" of a client named `client`, connected from the JACK port called
