@@ -38,9 +38,11 @@ class JackGoneMidway : public ::testing::Test {
     ASSERT_TRUE(program->start("Gone-CS2x Out", "Gone-CS2x In"));
     ASSERT_TRUE(program->screen.boxes.empty());
   }
-  // Every box so far is a refused message's, one for each.
+  // Every box so far is a refused message's, one for each of the program's own. (As its server
+  // goes, libjack may hand the input a dead writer's last events again; thru passes them on to
+  // a port that refuses them, with no box, as thru never shows one.)
   void expectOneBoxForEachRefusedMessage() {
-    EXPECT_EQ(program->screen.boxes.size(), static_cast<std::size_t>(program->outs.refused.load()));
+    EXPECT_EQ(program->screen.boxes.size(), static_cast<std::size_t>(program->outs.refusedHere.load()));
     for (const test::Box& box : program->screen.boxes)
       EXPECT_TRUE(box.text.starts_with("Operation: MidiOutLongMsg \r\n")) << box.text;
   }
@@ -96,7 +98,7 @@ TEST_F(JackGoneMidway, ARetrieveEndsAsZerosAfterTheBlockThatCame) {
   };
   program->form().RtrvMulti_Click(7);
   program->outs.beforeSend = nullptr;
-  EXPECT_EQ(program->outs.refused, 4);
+  EXPECT_EQ(program->outs.refusedHere, 4);
   expectOneBoxForEachRefusedMessage();
   // The first section as the instrument sent it, the others zeros where their reply would be.
   EXPECT_EQ(section(0)[0], 0xF0);

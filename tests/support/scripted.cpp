@@ -101,7 +101,10 @@ class FailingOut : public OutPort {
     const int before = owner_.handed++;
     if (owner_.beforeSend) owner_.beforeSend(before);
     const bool sent = !owner_.failing && inner_->send(message);
-    if (!sent) ++owner_.refused;
+    if (!sent) {
+      ++owner_.refused;
+      if (std::this_thread::get_id() == owner_.madeOn) ++owner_.refusedHere;
+    }
     return sent;
   }
   std::chrono::nanoseconds wireTime(std::size_t bytes) const override { return inner_->wireTime(bytes); }

@@ -12,6 +12,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "data/images.h"
@@ -220,6 +221,10 @@ class FailingOutputs : public PortProvider {
   std::atomic<bool> failing{false};
   std::atomic<int> handed{0};   // messages the ports were given
   std::atomic<int> refused{0};  // of them, those that did not go out (here or in the port behind)
+  // Of those, the ones sent on the thread that made these outputs: the program's own sends,
+  // not thru's, which has no box to show.
+  std::atomic<int> refusedHere{0};
+  const std::thread::id madeOn = std::this_thread::get_id();
   std::function<void(int handedBefore)> beforeSend;
 
   std::vector<std::string> inputNames() override { return inner_.inputNames(); }
