@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The test suite again under sanitizers, each in a build of its own:
 #   build-asan  every test under AddressSanitizer (with LeakSanitizer) and UndefinedBehaviorSanitizer
-#   build-tsan  the threaded parts under ThreadSanitizer: the link, the virtual instrument and the
-#               fault tests that need no JACK server
+#   build-tsan  the threaded parts under ThreadSanitizer: the link, the virtual instrument, the
+#               faults and the end-to-end runs over a JACK server
 # Any finding fails the test that made it. Suppressions, each with its reason, are in
 # tests/sanitizers/.
 set -euo pipefail
@@ -21,12 +21,11 @@ cmake --build build-asan
 # that is found it runs in the plain suite only.
 ctest --test-dir build-asan --output-on-failure --timeout 600 -E '^e2e_jack_gone$'
 
-echo "== ThreadSanitizer: the link, the virtual instrument, the faults without JACK"
+echo "== ThreadSanitizer: the link, the virtual instrument, the faults, the runs over JACK"
 cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTESSIVO_SANITIZE=thread
-cmake --build build-tsan --target core_tests faults_tests
-# The Qt forms run on one thread and are not built here. ThreadSanitizer slows the JACK clients
-# several times over; even with cycles of 2048 frames (TESSIVO_JACK_PERIOD=2048 for
-# tests/e2e/with_jackd.sh) the runs over a JACK server lost or doubled messages in a CI run, so
-# they are left out here until that is found: the link's and the instrument's own threads (wake
-# flags, paced ports, the scripted services) are checked by the rest.
-ctest --test-dir build-tsan --output-on-failure --timeout 600 -E '^(qt_|e2e_|faults_jack_gone_|faults_flood$)'
+# The Qt forms run on one thread and are not built here. libjack's ring buffer and the order of
+# the JACK clients' cycles are made visible to the sanitizer by tests/sanitizers/jack_ringbuffer_tsan.cpp,
+# linked into every program of this build.
+cmake --build build-tsan --target core_tests faults_tests jack_ring_tests virtual-cs2x e2e_jack_tests \
+  e2e_jack_gone_tests faults_jack_gone_tests faults_flood_tests
+ctest --test-dir build-tsan --output-on-failure --timeout 600 -E '^(qt_|package$)'
