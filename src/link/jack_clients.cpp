@@ -199,12 +199,122 @@ JackIn::~JackIn() {
   }
 }
 
+// What the output's process thread touches; left behind with its client as the input's is.
+struct OutCycle {
+  jack_port_t* port = nullptr;
+  jack_ringbuffer_t* ring = nullptr;
+  WakeFlag drained;  // raised after each cycle that took messages out of the ring
+};
+
+// Five seconds of a MIDI wire at full speed; the server's cycle empties it every few
+// milliseconds.
+constexpr std::size_t kOutRingBytes = 16 * 1024;
+
+class JackOut : public OutPort {
+ public:
+  explicit JackOut(std::shared_ptr<JackWatch> watch) : watch_(std::move(watch)) {}
+  ~JackOut() override;
+  bool open(const std::string& client, const std::string& destination);
+  bool send(std::span<const std::uint8_t> message) override;
+
+ private:
+  static int process(jack_nframes_t frames, void* arg);
+  bool serverStopped() const { return watch_ && watch_->stopped(); }
+
+  std::shared_ptr<JackWatch> watch_;
+  jack_client_t* client_ = nullptr;
+  OutCycle* cycle_ = nullptr;
+};
+
+// On JACK's realtime thread: each whole message in the ring becomes an event at the start of
+// the cycle, in order, as many as the port's buffer holds; the rest wait for the next cycle.
+// A message bigger than an empty buffer can ever hold is dropped, so it cannot stop the line.
+int JackOut::process(jack_nframes_t frames, void* arg) {
+  auto* c = static_cast<OutCycle*>(arg);
+  void* buffer = jack_port_get_buffer(c->port, frames);
+  jack_midi_clear_buffer(buffer);
+  bool took = false;
+  std::uint32_t size = 0;
+  while (jack_ringbuffer_peek(c->ring, reinterpret_cast<char*>(&size), sizeof size) == sizeof size &&
+         jack_ringbuffer_read_space(c->ring) >= sizeof size + size) {
+    jack_midi_data_t* event = jack_midi_event_reserve(buffer, 0, size);
+    if (!event && (took || size <= jack_midi_max_event_size(buffer))) break;
+    jack_ringbuffer_read_advance(c->ring, sizeof size);
+    if (event) jack_ringbuffer_read(c->ring, reinterpret_cast<char*>(event), size);
+    else jack_ringbuffer_read_advance(c->ring, size);
+    took = true;
+  }
+  if (took) c->drained.raise();
+  return 0;
+}
+
+bool JackOut::send(std::span<const std::uint8_t> message) {
+  const auto size = static_cast<std::uint32_t>(message.size());
+  if (message.empty() || sizeof size + size >= kOutRingBytes) return false;
+  // Room comes with the server's next cycle; a server that has stopped cycling never makes it.
+  while (jack_ringbuffer_write_space(cycle_->ring) < sizeof size + size) {
+    if (serverStopped()) return false;
+    cycle_->drained.clear();
+    if (jack_ringbuffer_write_space(cycle_->ring) < sizeof size + size)
+      cycle_->drained.waitRaised(std::chrono::milliseconds(20));
+  }
+  if (serverStopped()) return false;
+  jack_ringbuffer_write(cycle_->ring, reinterpret_cast<const char*>(&size), sizeof size);
+  jack_ringbuffer_write(cycle_->ring, reinterpret_cast<const char*>(message.data()), size);
+  return true;
+}
+
+bool JackOut::open(const std::string& client, const std::string& destination) {
+  quietJack();
+  jack_status_t status{};
+  client_ = jack_client_open(client.c_str(), JackNoStartServer, &status);
+  if (!client_) return false;
+  cycle_ = new OutCycle;
+  cycle_->ring = jack_ringbuffer_create(kOutRingBytes);
+  if (!cycle_->ring) return false;
+  cycle_->port = jack_port_register(client_, "MIDI Out", JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput, 0);
+  if (!cycle_->port || jack_set_process_callback(client_, &JackOut::process, cycle_) != 0 ||
+      jack_activate(client_) != 0)
+    return false;
+  const int r = jack_connect(client_, jack_port_name(cycle_->port), destination.c_str());
+  return r == 0 || r == EEXIST;
+}
+
+JackOut::~JackOut() {
+  if (!client_) return;
+  if (watch_ && watch_->serverGone()) {
+    static std::mutex mutex;
+    static auto* orphans = new std::vector<std::pair<jack_client_t*, OutCycle*>>;
+    std::lock_guard lock(mutex);
+    orphans->emplace_back(client_, cycle_);
+    return;
+  }
+  // What was sent last still goes out: a second at most for the ring to empty.
+  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+  while (cycle_ && cycle_->ring && jack_ringbuffer_read_space(cycle_->ring) > 0 && !serverStopped() &&
+         std::chrono::steady_clock::now() < giveUp)
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  jack_deactivate(client_);
+  jack_client_close(client_);
+  if (cycle_) {
+    if (cycle_->ring) jack_ringbuffer_free(cycle_->ring);
+    delete cycle_;
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<InPort> openJackInput(const std::string& client, const std::string& source,
                                       std::shared_ptr<JackWatch> watch) {
   auto port = std::make_unique<JackIn>(std::move(watch));
   if (!port->open(client, source)) return nullptr;
+  return port;
+}
+
+std::unique_ptr<OutPort> openJackOutput(const std::string& client, const std::string& destination,
+                                        std::shared_ptr<JackWatch> watch) {
+  auto port = std::make_unique<JackOut>(std::move(watch));
+  if (!port->open(client, destination)) return nullptr;
   return port;
 }
 

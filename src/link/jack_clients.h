@@ -1,6 +1,6 @@
 #pragma once
 // The program's own JACK clients, on libjack directly: the watch that tells a live server from
-// a dead one, and the MIDI input port. None of them ever starts a server.
+// a dead one, and the MIDI input and output ports. None of them ever starts a server.
 
 #include <jack/types.h>
 
@@ -52,5 +52,13 @@ class JackWatch {
 // or connected.
 std::unique_ptr<InPort> openJackInput(const std::string& client, const std::string& source,
                                       std::shared_ptr<JackWatch> watch);
+
+// The output port "MIDI Out" of a client named `client`, connected to the JACK port called
+// `destination`. A send copies the message into a ring that JACK's process thread empties each
+// cycle, in order; with the ring full it waits for the next cycle, and refuses the message
+// once the server has stopped cycling, so a sender never waits on a dead server. Nullptr when
+// the port cannot be made or connected.
+std::unique_ptr<OutPort> openJackOutput(const std::string& client, const std::string& destination,
+                                        std::shared_ptr<JackWatch> watch);
 
 }  // namespace tessivo

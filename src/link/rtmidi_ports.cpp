@@ -69,19 +69,6 @@ bool openByName(Rt& rt, ErrorTrap& trap, const std::string& name, const std::str
   return false;
 }
 
-// A port of a JACK client whose server has gone can be neither closed nor destroyed: libjack
-// crashes on it. Such a port object is left behind, a few hundred bytes for a rare event; true
-// when that was done.
-template <typename Rt>
-bool leftBehind(std::unique_ptr<Rt>& rt, const std::shared_ptr<JackWatch>& watch) {
-  if (!watch || !watch->serverGone()) return false;
-  static std::mutex mutex;
-  static std::vector<std::unique_ptr<Rt>>* orphans = new std::vector<std::unique_ptr<Rt>>;
-  std::lock_guard lock(mutex);
-  orphans->push_back(std::move(rt));
-  return true;
-}
-
 // An ALSA input. RtMidi's ALSA input hands over whole events, but joins the event behind a
 // SysEx without F7 to it ("F0 .. 90 40 7F"), so its messages go through a parser of our own,
 // which takes them apart again as a MIDI receiver would.
@@ -118,28 +105,22 @@ class RtIn : public InPort {
   Sink sink_;
 };
 
+// An ALSA output (JACK's is the program's own client, jack_clients.h).
 class RtOut : public OutPort {
  public:
-  RtOut(MidiSystem system, const std::string& client, std::shared_ptr<JackWatch> watch)
-      : rt_(std::make_unique<RtMidiOut>(rtApi(system), client)), watch_(std::move(watch)) {
-    rt_->setErrorCallback(&ErrorTrap::callback, &trap_);
+  RtOut(MidiSystem system, const std::string& client) : rt_(rtApi(system), client) {
+    rt_.setErrorCallback(&ErrorTrap::callback, &trap_);
   }
-  ~RtOut() override {
-    if (!leftBehind(rt_, watch_)) rt_->closePort();
-  }
-  bool open(const std::string& name) { return openByName(*rt_, trap_, name, "MIDI Out"); }
+  ~RtOut() override { rt_.closePort(); }
+  bool open(const std::string& name) { return openByName(rt_, trap_, name, "MIDI Out"); }
   bool send(std::span<const std::uint8_t> message) override {
-    // RtMidi's JACK output waits, spinning, for room in a buffer that only the server's cycle
-    // empties; with the server gone that wait would never end.
-    if (watch_ && watch_->stopped()) return false;
     trap_.raised = false;
-    rt_->sendMessage(message.data(), message.size());
+    rt_.sendMessage(message.data(), message.size());
     return !trap_.raised;
   }
 
  private:
-  std::unique_ptr<RtMidiOut> rt_;
-  std::shared_ptr<JackWatch> watch_;
+  RtMidiOut rt_;
   ErrorTrap trap_;
 };
 
@@ -197,8 +178,13 @@ std::unique_ptr<OutPort> RtMidiProvider::openOutput(std::size_t index, MMRESULT&
   error = MIDIERR_NODEVICE;
   if (index >= outNames_.size()) return nullptr;
   if (watch_ && watch_->serverGone()) return nullptr;
+  if (system_ == MidiSystem::Jack) {
+    auto port = openJackOutput(clientName_, outNames_[index], watch_);
+    if (port) error = MMSYSERR_NOERROR;
+    return port;
+  }
   try {
-    auto port = std::make_unique<RtOut>(system_, clientName_, watch_);
+    auto port = std::make_unique<RtOut>(system_, clientName_);
     if (!port->open(outNames_[index])) return nullptr;
     error = MMSYSERR_NOERROR;
     return port;
