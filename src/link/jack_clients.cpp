@@ -204,6 +204,9 @@ struct OutCycle {
   jack_port_t* port = nullptr;
   jack_ringbuffer_t* ring = nullptr;
   WakeFlag drained;  // raised after each cycle that took messages out of the ring
+  // This client's own last cycle: a client the server no longer runs (thrown out of the graph
+  // while the watch still cycles) never empties its ring either.
+  std::atomic<std::chrono::steady_clock::rep> lastCycle{std::chrono::steady_clock::now().time_since_epoch().count()};
 };
 
 // Five seconds of a MIDI wire at full speed; the server's cycle empties it every few
@@ -219,7 +222,10 @@ class JackOut : public OutPort {
 
  private:
   static int process(jack_nframes_t frames, void* arg);
-  bool serverStopped() const { return watch_ && watch_->stopped(); }
+  bool stopped() const {
+    return (watch_ && watch_->stopped()) ||
+           std::chrono::steady_clock::now().time_since_epoch().count() - cycle_->lastCycle > kStill.count();
+  }
 
   std::shared_ptr<JackWatch> watch_;
   jack_client_t* client_ = nullptr;
@@ -231,14 +237,19 @@ class JackOut : public OutPort {
 // A message bigger than an empty buffer can ever hold is dropped, so it cannot stop the line.
 int JackOut::process(jack_nframes_t frames, void* arg) {
   auto* c = static_cast<OutCycle*>(arg);
+  c->lastCycle = std::chrono::steady_clock::now().time_since_epoch().count();
   void* buffer = jack_port_get_buffer(c->port, frames);
   jack_midi_clear_buffer(buffer);
   bool took = false;
   std::uint32_t size = 0;
   while (jack_ringbuffer_peek(c->ring, reinterpret_cast<char*>(&size), sizeof size) == sizeof size &&
          jack_ringbuffer_read_space(c->ring) >= sizeof size + size) {
-    jack_midi_data_t* event = jack_midi_event_reserve(buffer, 0, size);
-    if (!event && (took || size <= jack_midi_max_event_size(buffer))) break;
+    // Asked only for what fits, since a refused reservation counts as a lost event for the
+    // readers of the port.
+    const bool fits = size <= jack_midi_max_event_size(buffer);
+    if (!fits && took) break;
+    jack_midi_data_t* event = fits ? jack_midi_event_reserve(buffer, 0, size) : nullptr;
+    if (fits && !event) break;
     jack_ringbuffer_read_advance(c->ring, sizeof size);
     if (event) jack_ringbuffer_read(c->ring, reinterpret_cast<char*>(event), size);
     else jack_ringbuffer_read_advance(c->ring, size);
@@ -253,12 +264,12 @@ bool JackOut::send(std::span<const std::uint8_t> message) {
   if (message.empty() || sizeof size + size >= kOutRingBytes) return false;
   // Room comes with the server's next cycle; a server that has stopped cycling never makes it.
   while (jack_ringbuffer_write_space(cycle_->ring) < sizeof size + size) {
-    if (serverStopped()) return false;
+    if (stopped()) return false;
     cycle_->drained.clear();
     if (jack_ringbuffer_write_space(cycle_->ring) < sizeof size + size)
       cycle_->drained.waitRaised(std::chrono::milliseconds(20));
   }
-  if (serverStopped()) return false;
+  if (stopped()) return false;
   jack_ringbuffer_write(cycle_->ring, reinterpret_cast<const char*>(&size), sizeof size);
   jack_ringbuffer_write(cycle_->ring, reinterpret_cast<const char*>(message.data()), size);
   return true;
@@ -282,18 +293,25 @@ bool JackOut::open(const std::string& client, const std::string& destination) {
 
 JackOut::~JackOut() {
   if (!client_) return;
-  if (watch_ && watch_->serverGone()) {
+  const auto leaveBehind = [this] {
     static std::mutex mutex;
     static auto* orphans = new std::vector<std::pair<jack_client_t*, OutCycle*>>;
     std::lock_guard lock(mutex);
     orphans->emplace_back(client_, cycle_);
+  };
+  if (watch_ && watch_->serverGone()) {
+    leaveBehind();
     return;
   }
   // What was sent last still goes out: a second at most for the ring to empty.
   const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-  while (cycle_ && cycle_->ring && jack_ringbuffer_read_space(cycle_->ring) > 0 && !serverStopped() &&
+  while (cycle_ && cycle_->ring && jack_ringbuffer_read_space(cycle_->ring) > 0 && !stopped() &&
          std::chrono::steady_clock::now() < giveUp)
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  if (watch_ && watch_->serverGone()) {  // it may have gone meanwhile
+    leaveBehind();
+    return;
+  }
   jack_deactivate(client_);
   jack_client_close(client_);
   if (cycle_) {

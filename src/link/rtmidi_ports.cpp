@@ -79,9 +79,11 @@ class RtIn : public InPort {
     rt_.ignoreTypes(false, false, false);  // thru passes SysEx, clock and active sensing too
     rt_.setCallback(&RtIn::callback, this);
   }
+  // Closing joins RtMidi's input thread; the callback is let go only after that, since the
+  // thread reads it without a lock.
   ~RtIn() override {
-    rt_.cancelCallback();
     rt_.closePort();
+    rt_.cancelCallback();
   }
   bool open(const std::string& name) { return openByName(rt_, trap_, name, "MIDI In"); }
   void setSink(Sink sink) override {

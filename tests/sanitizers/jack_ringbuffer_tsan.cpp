@@ -1,12 +1,12 @@
 // What libjack orders without ThreadSanitizer seeing it, made visible for the ThreadSanitizer
-// build: linked into every program of it ahead of libjack, so that RtMidi's JACK ports and ours
-// use these.
+// build: linked into every program of it ahead of libjack, so that our JACK ports and RtMidi's
+// (the test peers', the virtual instrument tool's) use these.
 //
 // 1. The lock-free ring buffer, rebuilt.
 // Why: libjack is not built with ThreadSanitizer, so the order its ring buffer gets from memory
-// barriers is invisible, and each copy into and out of a buffer (RtMidi's output queue, our
-// input ring) shows as a race between the writer and JACK's process thread. Suppressing those
-// reports is not enough: ThreadSanitizer symbolizes every stack before it can match it against
+// barriers is invisible, and each copy into and out of a buffer (our input and output rings,
+// RtMidi's output queue) shows as a race between the writer and JACK's process thread.
+// Suppressing those reports is not enough: ThreadSanitizer symbolizes every stack before it can match it against
 // a suppression, and while it does, JACK's process thread stands still for a second or more,
 // so the server runs late and drops that cycle's MIDI. Here the same buffer publishes its
 // pointers with acquire and release, as ThreadSanitizer understands them: a real fault in its
