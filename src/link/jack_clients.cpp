@@ -35,6 +35,18 @@ namespace {
 constexpr std::chrono::steady_clock::duration kStill = std::chrono::seconds(1);
 }  // namespace
 
+namespace {
+// A client whose server has gone can be neither deactivated nor closed (libjack crashes on
+// it), and its thread may still be on its way out of a callback: the client and what its
+// callbacks touch are kept here for good, a few hundred bytes once per server that went away.
+void leaveBehind(jack_client_t* client, const void* state) {
+  static std::mutex mutex;
+  static auto* orphans = new std::vector<std::pair<jack_client_t*, const void*>>;
+  std::lock_guard lock(mutex);
+  orphans->emplace_back(client, state);
+}
+}  // namespace
+
 std::shared_ptr<JackWatch> JackWatch::open() {
   quietJack();
   jack_status_t status{};
@@ -49,11 +61,7 @@ std::shared_ptr<JackWatch> JackWatch::open() {
 
 JackWatch::~JackWatch() {
   if (serverGone()) {
-    // Left behind with its client: a few bytes, once per server that went away.
-    static std::mutex mutex;
-    static auto* orphans = new std::vector<Seen*>;
-    std::lock_guard lock(mutex);
-    orphans->push_back(seen_);
+    leaveBehind(client_, seen_);
     return;
   }
   jack_client_close(client_);
@@ -75,11 +83,43 @@ int JackWatch::cycle(jack_nframes_t, void* seen) {
 
 namespace {
 
-// What JACK's process thread touches. It outlives the client, and is left behind with it when
-// the server has gone, since a dead server's client can be neither deactivated nor closed.
-struct InCycle {
+// What a port client's process thread touches: the port and the ring between it and the
+// program. It outlives the client, and is left behind with it when the server has gone.
+struct PortCycle {
   jack_port_t* port = nullptr;
   jack_ringbuffer_t* ring = nullptr;
+};
+
+// Opens client `name` with one MIDI port and a ring of `ringBytes`, `cycle` handed to
+// `process` each cycle, and activates it; false when a step fails (closePortClient undoes
+// what was made).
+bool openPortClient(jack_client_t*& client, PortCycle* cycle, const std::string& name, const char* portName,
+                    unsigned long flags, std::size_t ringBytes, JackProcessCallback process) {
+  quietJack();
+  jack_status_t status{};
+  client = jack_client_open(name.c_str(), JackNoStartServer, &status);
+  if (!client) return false;
+  cycle->ring = jack_ringbuffer_create(ringBytes);
+  if (!cycle->ring) return false;
+  cycle->port = jack_port_register(client, portName, JACK_DEFAULT_MIDI_TYPE, flags, 0);
+  return cycle->port && jack_set_process_callback(client, process, cycle) == 0 && jack_activate(client) == 0;
+}
+
+// Closes the client and frees its cycle; leaves both behind when the server has gone.
+template <typename Cycle>
+void closePortClient(jack_client_t* client, Cycle* cycle, bool serverGone) {
+  if (!client) {
+    delete cycle;
+    return;
+  }
+  if (serverGone) return leaveBehind(client, cycle);
+  jack_deactivate(client);  // from here on the process thread is done with the cycle
+  jack_client_close(client);
+  if (cycle->ring) jack_ringbuffer_free(cycle->ring);
+  delete cycle;
+}
+
+struct InCycle : PortCycle {
   WakeFlag arrived;   // raised after each cycle that put events into the ring
   bool lost = false;  // process thread only: an event found no room since the last one stored
 };
@@ -160,17 +200,8 @@ void JackIn::read() {
 }
 
 bool JackIn::open(const std::string& client, const std::string& source) {
-  quietJack();
-  jack_status_t status{};
-  client_ = jack_client_open(client.c_str(), JackNoStartServer, &status);
-  if (!client_) return false;
   cycle_ = new InCycle;
-  cycle_->ring = jack_ringbuffer_create(kRingBytes);
-  if (!cycle_->ring) return false;
-  cycle_->port = jack_port_register(client_, "MIDI In", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
-  if (!cycle_->port || jack_set_process_callback(client_, &JackIn::process, cycle_) != 0 ||
-      jack_activate(client_) != 0)
-    return false;
+  if (!openPortClient(client_, cycle_, client, "MIDI In", JackPortIsInput, kRingBytes, &JackIn::process)) return false;
   reader_ = std::thread([this] { read(); });
   const int r = jack_connect(client_, source.c_str(), jack_port_name(cycle_->port));
   return r == 0 || r == EEXIST;
@@ -182,27 +213,11 @@ JackIn::~JackIn() {
     cycle_->arrived.raise();
     reader_.join();
   }
-  if (!client_) return;
-  if (watch_ && watch_->serverGone()) {
-    // Left behind: a few hundred bytes for a rare event, and libjack would crash on them.
-    static std::mutex mutex;
-    static auto* orphans = new std::vector<std::pair<jack_client_t*, InCycle*>>;
-    std::lock_guard lock(mutex);
-    orphans->emplace_back(client_, cycle_);
-    return;
-  }
-  jack_deactivate(client_);  // from here on the process thread is done with cycle_
-  jack_client_close(client_);
-  if (cycle_) {
-    if (cycle_->ring) jack_ringbuffer_free(cycle_->ring);
-    delete cycle_;
-  }
+  closePortClient(client_, cycle_, client_ && watch_ && watch_->serverGone());
 }
 
 // What the output's process thread touches; left behind with its client as the input's is.
-struct OutCycle {
-  jack_port_t* port = nullptr;
-  jack_ringbuffer_t* ring = nullptr;
+struct OutCycle : PortCycle {
   WakeFlag drained;  // raised after each cycle that took messages out of the ring
   // This client's own last cycle: a client the server no longer runs (thrown out of the graph
   // while the watch still cycles) never empties its ring either.
@@ -276,48 +291,23 @@ bool JackOut::send(std::span<const std::uint8_t> message) {
 }
 
 bool JackOut::open(const std::string& client, const std::string& destination) {
-  quietJack();
-  jack_status_t status{};
-  client_ = jack_client_open(client.c_str(), JackNoStartServer, &status);
-  if (!client_) return false;
   cycle_ = new OutCycle;
-  cycle_->ring = jack_ringbuffer_create(kOutRingBytes);
-  if (!cycle_->ring) return false;
-  cycle_->port = jack_port_register(client_, "MIDI Out", JACK_DEFAULT_MIDI_TYPE, JackPortIsOutput, 0);
-  if (!cycle_->port || jack_set_process_callback(client_, &JackOut::process, cycle_) != 0 ||
-      jack_activate(client_) != 0)
+  if (!openPortClient(client_, cycle_, client, "MIDI Out", JackPortIsOutput, kOutRingBytes, &JackOut::process))
     return false;
   const int r = jack_connect(client_, jack_port_name(cycle_->port), destination.c_str());
   return r == 0 || r == EEXIST;
 }
 
 JackOut::~JackOut() {
-  if (!client_) return;
-  const auto leaveBehind = [this] {
-    static std::mutex mutex;
-    static auto* orphans = new std::vector<std::pair<jack_client_t*, OutCycle*>>;
-    std::lock_guard lock(mutex);
-    orphans->emplace_back(client_, cycle_);
-  };
-  if (watch_ && watch_->serverGone()) {
-    leaveBehind();
-    return;
+  const auto serverGone = [this] { return client_ && watch_ && watch_->serverGone(); };
+  if (!serverGone()) {
+    // What was sent last still goes out: a second at most for the ring to empty.
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    while (client_ && cycle_->ring && jack_ringbuffer_read_space(cycle_->ring) > 0 && !stopped() &&
+           std::chrono::steady_clock::now() < giveUp)
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
-  // What was sent last still goes out: a second at most for the ring to empty.
-  const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-  while (cycle_ && cycle_->ring && jack_ringbuffer_read_space(cycle_->ring) > 0 && !stopped() &&
-         std::chrono::steady_clock::now() < giveUp)
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  if (watch_ && watch_->serverGone()) {  // it may have gone meanwhile
-    leaveBehind();
-    return;
-  }
-  jack_deactivate(client_);
-  jack_client_close(client_);
-  if (cycle_) {
-    if (cycle_->ring) jack_ringbuffer_free(cycle_->ring);
-    delete cycle_;
-  }
+  closePortClient(client_, cycle_, serverGone());  // it may have gone meanwhile
 }
 
 }  // namespace
